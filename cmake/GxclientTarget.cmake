@@ -1,0 +1,19 @@
+# gxclient_configure_target(TARGET): what every target of this project is compiled with. All of it is
+# private to the target: a client keeps its own flags.
+function(gxclient_configure_target target)
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  set_target_properties(${target} PROPERTIES
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET default
+    BUILD_RPATH_USE_ORIGIN ON)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wconversion -Wshadow
+    # assert() and the debug information name files relative to the project, on any machine.
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+    -ffile-prefix-map=${CMAKE_BINARY_DIR}=.)
+  if(GXCLIENT_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  # Out-of-range indexes stop the process in every build type.
+  target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+endfunction()

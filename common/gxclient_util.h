@@ -1,0 +1,81 @@
+/// @file
+/// Utility functions of the client: running programs, text, encodings, files and the host.
+///
+/// What holds for all of them:
+/// - A byte string is a std::string without an encoding; a NUL byte in it is ordinary data, except
+///   where it becomes a path, a program name or an argument, which end at their first NUL byte.
+/// - Pointers that return a result are optional unless the function says otherwise, and are written
+///   only on the results that the function names.
+/// - Nothing is logged and nothing is thrown unless the function says so. Exceptions of the
+/// standard
+///   library (memory exhausted, above all) and of the client's log pass through; nothing that the
+///   call opened or started stays behind then.
+/// - Three functions touch state of the whole process and are called from one thread at a time:
+///   System() changes the action for SIGCHLD while it runs; calcHomeDir() and calcRunningUser()
+///   read the environment and the password database. All others may run on any thread at any time,
+///   as long as the strings passed by reference are not shared.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace GXUtils {
+
+/// @name Processes
+/// @{
+
+/// Cuts a command line into its arguments, the first one being the program. No shell is involved.
+///
+/// Only the space byte separates; runs of it count once. A double quote opens a quoted argument
+/// only as the first byte of a field (at the start, after a separating space or right after a
+/// closing quote) and the next double quote closes it, with no space needed after it; `""` gives an
+/// empty argument. There is no escape character. A quote that is never closed loses its field, up
+/// to and including the next space. Every other byte, tab, newline, backslash and NUL included, is
+/// an ordinary part of an argument.
+///
+/// @return the arguments, none for an empty or blank command line.
+std::vector<std::string> SplitCommandLine(std::string commandLine);
+
+/// Runs a program and waits for it. Its standard output and error are captured together.
+///
+/// `argv` is an array of NUL-terminated strings that ends in a null pointer; entry 0 is the
+/// program, which is found along PATH. An array without an entry counts as the program name "". The
+/// program shares the caller's standard input and inherits no other descriptor below 1024. The call
+/// blocks until the program has exited and every process that inherited its output has closed it.
+///
+/// @param output what the program wrote is appended as it arrives, in pieces of at most 255 bytes;
+///        a NUL byte and what follows it in its piece are lost. Null: the output is thrown away. A
+///        read that fails or is interrupted by a signal ends the capture; it is not retried.
+/// @param exitCode receives the exit status (0 to 255) when the result is 0 or -2, otherwise it is
+///        not written.
+/// @return 0: the program exited with a status other than 127 and 128.
+///         -1: the run failed: the program was ended by a signal, the wait failed or was
+///         interrupted (the program is then left unreaped), or one of the system calls below
+///         failed. -2: the program could not be executed (status 128), or it exited with status 127
+///         or 128.
+///
+/// Logs one line with level 2 when the result is -2: "Failed to start command " and the program for
+/// status 128, "Command ", the program and " not found" for 127. Writes one line to the standard
+/// error stream when sigaction, pipe (or making it close-on-exec), fork or the final sigaction
+/// fails: "Error: sigaction() failed", "Error: pipe() failed", "Error: fork() failed", "Error:
+/// sigaction() restore failed".
+///
+/// While it runs, the action for SIGCHLD is the default one; before it returns or throws, the
+/// former action is back. Not to be called from two threads at once.
+int System(const char* const* argv, std::string* output = nullptr, int* exitCode = nullptr);
+
+/// The same for a command line, which SplitCommandLine() cuts into the program and its arguments. A
+/// command without any argument, such as one of spaces only, counts as the program name "".
+///
+/// @throws GXException code 6, with the translation of "Empty command", when `command` has length
+/// 0.
+int System(std::string command, std::string* output = nullptr, int* exitCode = nullptr);
+
+/// Closes the descriptors from `firstFd` to 1023, except `keepFd`. Descriptors that are not open
+/// are skipped; those from 1024 on are never closed. A `firstFd` below 0 counts as 0, and a
+/// `keepFd` outside the range keeps nothing. Safe to call in a child between fork() and exec.
+void CloseAllFds(int firstFd, int keepFd);
+
+/// @}
+
+}  // namespace GXUtils

@@ -1,0 +1,266 @@
+#include <fcntl.h>
+#include <libintl.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "gxclient_util.h"
+#ifdef __linux__
+#include <sys/syscall.h>
+#endif
+
+#include "support/argvector.h"
+#include "support/gxexception.h"
+#include "support/logfile.h"
+
+namespace GXUtils {
+namespace {
+
+constexpr int kRunFailed = -1;
+constexpr int kNotStarted = -2;
+
+constexpr int kNotFoundStatus = 127;    // what shells exit with for an unknown command
+constexpr int kExecFailedStatus = 128;  // what our child exits with when its exec failed
+
+constexpr int kFirstInheritedFd = 3;  // the first one above the standard descriptors
+constexpr int kLastClosedFd = 1023;   // fixed, whatever the descriptor limit is
+
+constexpr std::size_t kReadSize = 255;  // a piece of captured output; what a NUL cuts depends on it
+
+// Stands in for an argument array without an entry: no program has the empty name.
+constexpr const char* kNoProgram[] = {"", nullptr};
+
+// Owns one descriptor and closes it once; -1 owns nothing.
+class UniqueFd {
+ public:
+  UniqueFd() = default;
+  UniqueFd(const UniqueFd&) = delete;
+  UniqueFd& operator=(const UniqueFd&) = delete;
+  ~UniqueFd() { Reset(); }
+
+  int Get() const { return fd_; }
+  void Reset(int fd = -1) {
+    if (fd_ >= 0) (void)close(fd_);
+    fd_ = fd;
+  }
+
+ private:
+  int fd_ = -1;
+};
+
+// A pipe whose ends are close-on-exec and stay above the standard descriptors, also when the caller
+// runs with 0, 1 or 2 closed. After a failed Open() the destructor closes what was made.
+struct Pipe {
+  UniqueFd readEnd;
+  UniqueFd writeEnd;
+
+  bool Open() {
+    int ends[2];
+    if (pipe(ends) != 0) return false;
+    readEnd.Reset(ends[0]);
+    writeEnd.Reset(ends[1]);
+    return Shield(readEnd) && Shield(writeEnd);
+  }
+
+ private:
+  static bool Shield(UniqueFd& end) {
+    if (end.Get() < kFirstInheritedFd) {
+      end.Reset(fcntl(end.Get(), F_DUPFD_CLOEXEC, kFirstInheritedFd));
+      return end.Get() >= 0;
+    }
+    const int flags = fcntl(end.Get(), F_GETFD);
+    return flags >= 0 && fcntl(end.Get(), F_SETFD, flags | FD_CLOEXEC) >= 0;
+  }
+};
+
+// The default action for SIGCHLD while a program runs. The destructor puts the former action back
+// where Restore() was not reached.
+class DefaultSigchld {
+ public:
+  DefaultSigchld() = default;
+  DefaultSigchld(const DefaultSigchld&) = delete;
+  DefaultSigchld& operator=(const DefaultSigchld&) = delete;
+  ~DefaultSigchld() {
+    if (installed_) (void)Restore();
+  }
+
+  bool Install() {
+    struct sigaction action {};
+    action.sa_handler = SIG_DFL;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    installed_ = sigaction(SIGCHLD, &action, &saved_) == 0;
+    return installed_;
+  }
+
+  bool Restore() {
+    installed_ = false;
+    return sigaction(SIGCHLD, &saved_, nullptr) == 0;
+  }
+
+ private:
+  struct sigaction saved_ {};
+  bool installed_ = false;
+};
+
+// Waits for a child to its end, whatever interrupts. That somebody else has reaped it is fine.
+void Reap(pid_t pid) {
+  while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+  }
+}
+
+// Owns a child that has to be waited for. The destructor reaps it where Wait() was not reached.
+class Child {
+ public:
+  Child() = default;
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child() {
+    if (pid_ > 0) Reap(pid_);
+  }
+
+  void Own(pid_t pid) { pid_ = pid; }
+
+  // Waits once: an interrupted wait is not retried, on purpose, and leaves the child to itself.
+  bool Wait(int* status) { return waitpid(std::exchange(pid_, -1), status, 0) >= 0; }
+
+ private:
+  pid_t pid_ = -1;
+};
+
+void CloseRange(int first, int last) {
+  if (first > last) return;
+#ifdef SYS_close_range
+  if (syscall(SYS_close_range, first, last, 0) == 0) return;
+#endif
+  for (int fd = first; fd <= last; ++fd) (void)close(fd);
+}
+
+// Leaves a forked child without running exit handlers or flushing what the client has buffered.
+[[noreturn]] void LeaveChild(int status) { _exit(status); }
+
+// Runs in the forked child. Only plain calls on values prepared before the fork.
+[[noreturn]] void ExecCaptured(const char* const* argv, Pipe& capture) {
+  capture.readEnd.Reset();
+  (void)dup2(capture.writeEnd.Get(), STDOUT_FILENO);
+  (void)dup2(capture.writeEnd.Get(), STDERR_FILENO);
+  CloseAllFds(kFirstInheritedFd, STDIN_FILENO);
+  (void)execvp(argv[0], const_cast<char* const*>(argv));
+  LeaveChild(kExecFailedStatus);
+}
+
+// Reads to the end. A failed or interrupted read ends it as well; it is not retried, on purpose.
+void AppendOutput(int fd, std::string* output) {
+  char piece[kReadSize];
+  for (;;) {
+    const ssize_t count = read(fd, piece, sizeof piece);
+    if (count <= 0) return;
+    if (output == nullptr) continue;
+    const void* nul = std::memchr(piece, '\0', static_cast<std::size_t>(count));
+    const char* end = nul == nullptr ? piece + count : static_cast<const char*>(nul);
+    output->append(piece, static_cast<std::size_t>(end - piece));
+  }
+}
+
+int FailRun(const char* errorLine) {
+  (void)std::fwrite(errorLine, 1, std::strlen(errorLine), stderr);
+  return kRunFailed;
+}
+
+int ReportExit(const char* program, int status, int* exitCode) {
+  if (exitCode != nullptr) *exitCode = status;
+  if (status == kExecFailedStatus) {
+    logfile.Log(std::string("Failed to start command ") + program, 2);
+    return kNotStarted;
+  }
+  if (status == kNotFoundStatus) {
+    logfile.Log(std::string("Command ") + program + " not found", 2);
+    return kNotStarted;
+  }
+  return 0;
+}
+
+void AddCommandLine(ArgVector& arguments, std::string commandLine) {
+  for (std::string& argument : SplitCommandLine(std::move(commandLine))) {
+    arguments.addArgument(std::move(argument));
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> SplitCommandLine(std::string commandLine) {
+  std::vector<std::string> arguments;
+  std::size_t start = 0;
+  for (;;) {
+    if (start < commandLine.size() && commandLine[start] == '"') {
+      const std::size_t close = commandLine.find('"', start + 1);
+      if (close != std::string::npos) {
+        arguments.emplace_back(commandLine, start + 1, close - start - 1);
+        start = close + 1;
+        continue;
+      }
+      // Never closed: the field is lost. No quote is left, so this search is made once.
+      const std::size_t space = commandLine.find(' ', start + 1);
+      if (space == std::string::npos) return arguments;
+      start = space + 1;
+      continue;
+    }
+    const std::size_t end = std::min(commandLine.find(' ', start), commandLine.size());
+    if (end != start) arguments.emplace_back(commandLine, start, end - start);
+    if (end == commandLine.size()) return arguments;
+    start = end + 1;
+  }
+}
+
+int System(const char* const* argv, std::string* output, int* exitCode) {
+  if (argv[0] == nullptr) argv = kNoProgram;
+
+  // Released in the reverse order: the pipe closes before the child is reaped, and the former
+  // action comes back last.
+  DefaultSigchld sigchld;
+  Child child;
+  Pipe capture;
+  if (!sigchld.Install()) return FailRun("Error: sigaction() failed\n");
+  if (!capture.Open()) return FailRun("Error: pipe() failed\n");
+
+  const pid_t pid = fork();
+  if (pid < 0) return FailRun("Error: fork() failed\n");
+  if (pid == 0) ExecCaptured(argv, capture);
+  child.Own(pid);
+
+  capture.writeEnd.Reset();
+  AppendOutput(capture.readEnd.Get(), output);
+  capture.readEnd.Reset();
+
+  int status = 0;
+  const bool waited = child.Wait(&status);
+  if (!sigchld.Restore()) return FailRun("Error: sigaction() restore failed\n");
+  if (!waited || !WIFEXITED(status)) return kRunFailed;
+  return ReportExit(argv[0], WEXITSTATUS(status), exitCode);
+}
+
+int System(std::string command, std::string* output, int* exitCode) {
+  if (command.empty()) throw GXException(6, gettext("Empty command"));
+  ArgVector arguments;
+  AddCommandLine(arguments, std::move(command));
+  return System(arguments.getArgArray(), output, exitCode);
+}
+
+void CloseAllFds(int firstFd, int keepFd) {
+  const int first = std::max(firstFd, 0);
+  if (keepFd < first || keepFd > kLastClosedFd) {
+    CloseRange(first, kLastClosedFd);
+    return;
+  }
+  CloseRange(first, keepFd - 1);
+  CloseRange(keepFd + 1, kLastClosedFd);
+}
+
+}  // namespace GXUtils

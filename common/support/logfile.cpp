@@ -1,0 +1,44 @@
+#include "support/logfile.h"
+
+#include <ctime>
+#include <utility>
+
+namespace {
+
+std::string Timestamp() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  gmtime_r(&now, &utc);
+  char text[sizeof "-2147483648-12-31T23:59:60Z"];
+  return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc)};
+}
+
+// The message with its line ends written out, on one line.
+std::string OneLine(std::string message) {
+  if (message.find_first_of("\n\r") == std::string::npos) return message;
+  std::string line;
+  for (const char byte : message) {
+    if (byte == '\n') {
+      line += "\\n";
+    } else if (byte == '\r') {
+      line += "\\r";
+    } else {
+      line += byte;
+    }
+  }
+  return line;
+}
+
+}  // namespace
+
+Logfile logfile;
+
+void Logfile::Log(std::string message, int level) {
+  std::string line = Timestamp() + " [" + std::to_string(level) + "] ";
+  line += OneLine(std::move(message));
+  line += '\n';
+  // A single call: the stream's own lock keeps the lines of other threads out of this one.
+  (void)std::fwrite(line.data(), 1, line.size(), stream_ != nullptr ? stream_ : stderr);
+}
+
+void Logfile::SetStream(std::FILE* stream) { stream_ = stream; }

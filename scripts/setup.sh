@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Installs what the project needs and this machine lacks, and says what it does.
+# usage: scripts/setup.sh [build|check|bench]...   (build: compile and test; the default)
+# Debian and Ubuntu: apt, with sudo when not root. macOS: brew.
+set -euo pipefail
+
+debian_packages() {
+  case $1 in
+    build) echo g++ cmake make pkg-config libcli11-dev libgtest-dev ;;
+    check) echo clang clang-format clang-tidy ;;
+    bench) echo libbenchmark-dev ;;
+    *) return 1 ;;
+  esac
+}
+
+brew_packages() {
+  case $1 in
+    build) echo cmake pkg-config cli11 googletest gettext ;;
+    check) echo llvm ;;
+    bench) echo google-benchmark ;;
+    *) return 1 ;;
+  esac
+}
+
+installed_debian() { dpkg-query -W -f '${db:Status-Status} ${Package}\n' | sed -n 's/^installed //p'; }
+installed_brew() { brew list -1; }
+
+install_debian() {
+  local as_root=()
+  [ "$(id -u)" = 0 ] || as_root=(sudo)
+  "${as_root[@]}" apt-get update &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -y --no-install-recommends "$@"
+}
+install_brew() { brew install "$@"; }
+
+[ $# -gt 0 ] || set -- build
+if [ "$(uname)" = Darwin ]; then system=brew; else system=debian; fi
+
+wanted=
+for name in "$@"; do
+  packages=$("${system}_packages" "$name") || { echo "setup.sh: no group '$name'" >&2; exit 2; }
+  wanted="$wanted $packages"
+done
+# shellcheck disable=SC2086  # one word a package
+wanted=$(printf '%s\n' $wanted | sort -u)
+missing=$(comm -23 <(echo "$wanted") <("installed_$system" | sort -u))
+[ -n "$missing" ] || exit 0
+
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+# shellcheck disable=SC2086
+{
+  echo "setup.sh: installing" $missing >&2
+  if ! "install_$system" $missing >"$log" 2>&1; then
+    cat "$log" >&2
+    echo "setup.sh: the installation failed" >&2
+    exit 1
+  fi
+}

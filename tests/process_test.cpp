@@ -1,0 +1,261 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "gxclient_util.h"
+#include "harness/capturedlog.h"
+#include "harness/faults.h"
+#include "harness/leakcheck.h"
+#include "support/gxexception.h"
+
+using namespace std::string_literals;
+using GXUtils::System;
+
+namespace {
+
+constexpr int kUnwritten = 77;
+
+// A run of /bin/sh, which gives every exit status and output there is.
+struct ShellRun {
+  explicit ShellRun(const std::string& script, std::string start = "") : output(std::move(start)) {
+    const char* argv[] = {"/bin/sh", "-c", script.c_str(), nullptr};
+    result = System(argv, &output, &exitCode);
+  }
+  int result;
+  std::string output;
+  int exitCode = kUnwritten;
+};
+
+void IgnoreSignal(int) {}
+
+TEST(SplitCommandLine, FollowsItsGrammar) {
+  const struct {
+    const char* what;
+    std::string line;
+    std::vector<std::string> arguments;
+  } cases[] = {
+      {"empty", "", {}},
+      {"only spaces", "   ", {}},
+      {"spaces around", "  ls  -l /tmp ", {"ls", "-l", "/tmp"}},
+      {"quoted", "\"my prog\" -x", {"my prog", "-x"}},
+      {"quoted at the end", "a \"b c\"", {"a", "b c"}},
+      {"empty argument", "echo \"\"", {"echo", ""}},
+      {"quote inside a field", "a\"b c\"", {"a\"b", "c\""}},
+      {"field after a closing quote", "\"a b\"c", {"a b", "c"}},
+      {"two quoted fields", "\"a\"\"b\"", {"a", "b"}},
+      {"quote after a closing quote", "\"a\"\"b c", {"a", "c"}},
+      {"unterminated, space after", "a \"b c", {"a", "c"}},
+      {"unterminated at the end", "a \"bc", {"a"}},
+      {"unterminated, space at the end", "\"a ", {}},
+      {"lone quote", "\"", {}},
+      {"no escapes", "a\\ b '\"", {"a\\", "b", "'\""}},
+      {"other blanks", "a\tb\nc", {"a\tb\nc"}},
+      {"NUL is ordinary", "a\0b \"c\0 d\""s, {"a\0b"s, "c\0 d"s}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(GXUtils::SplitCommandLine(c.line), c.arguments);
+  }
+}
+
+TEST(System, ReportsHowTheProgramEnded) {
+  const struct {
+    const char* script;
+    int result;
+    int exitCode;
+    const char* output;
+    CapturedLog::Lines log;
+  } cases[] = {
+      {"exit 0", 0, 0, "abc", {}},
+      {"exit 1", 0, 1, "abc", {}},
+      {"exit 126", 0, 126, "abc", {}},
+      {"exit 255", 0, 255, "abc", {}},
+      {"printf x; exit 127", -2, 127, "abcx", {{2, "Command /bin/sh not found"}}},
+      {"printf x; exit 128", -2, 128, "abcx", {{2, "Failed to start command /bin/sh"}}},
+      {"printf x; kill -9 $$", -1, kUnwritten, "abcx", {}},
+      {"printf 1; printf 2 >&2; printf 3", 0, 0, "abc123", {}},
+      {"printf 'a\\0b'; sleep 0.2; printf c", 0, 0, "abcac", {}},
+      {"(sleep 0.2; printf late) &", 0, 0, "abclate", {}},
+      {"[ -t 9 ] || ls /proc/self/fd | grep -vx '[0-3]'", 0, 1, "abc", {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.script);
+    CapturedLog log;
+    const LeakCheck leaks;
+    const ShellRun run(c.script, "abc");
+    EXPECT_EQ(run.result, c.result);
+    EXPECT_EQ(run.exitCode, c.exitCode);
+    EXPECT_EQ(run.output, c.output);
+    EXPECT_EQ(log.lines, c.log);
+  }
+}
+
+TEST(System, TellsWhatItCouldNotStart) {
+  const char* const noEntry[] = {nullptr};
+  const char* const missing[] = {"/no/such", nullptr};
+  const struct {
+    std::function<int(std::string*, int*)> run;
+    const char* program;
+  } cases[] = {
+      {[&](auto* output, int* code) { return System(missing, output, code); }, "/no/such"},
+      {[](auto* output, int* code) { return System("no-such-program -x", output, code); },
+       "no-such-program"},
+      {[](auto* output, int* code) { return System("  ", output, code); }, ""},
+      {[](auto* output, int* code) { return System("\"unterminated", output, code); }, ""},
+      {[&](auto* output, int* code) { return System(noEntry, output, code); }, ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.program);
+    CapturedLog log;
+    const LeakCheck leaks;
+    std::string output;
+    int exitCode = kUnwritten;
+    EXPECT_EQ(c.run(&output, &exitCode), -2);
+    EXPECT_EQ(exitCode, 128);
+    EXPECT_EQ(output, "");
+    const CapturedLog::Lines line = {{2, "Failed to start command "s + c.program}};
+    EXPECT_EQ(log.lines, line);
+  }
+}
+
+TEST(System, StringFormSplitsAndRefusesTheEmptyCommand) {
+  std::string output;
+  EXPECT_EQ(System("printf %s,%s \"a b\" c", &output), 0);
+  EXPECT_EQ(output, "a b,c");
+  try {
+    System(""s, &output);
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const GXException& error) {
+    EXPECT_EQ(error.code(), 6);
+    EXPECT_STREQ(error.what(), "Empty command");
+  }
+}
+
+TEST(System, DrainsOutputThatNobodyWants) {
+  const char* argv[] = {"/bin/sh", "-c", "head -c 1000000 /dev/zero", nullptr};
+  int exitCode = kUnwritten;
+  EXPECT_EQ(System(argv, nullptr, &exitCode), 0);
+  EXPECT_EQ(exitCode, 0);
+}
+
+TEST(System, FaultsLeaveNothingBehind) {
+  const struct {
+    const char* call;
+    int nth;
+    const char* error;
+    const char* output;
+    const char* script = "printf x";
+  } cases[] = {
+      {"sigaction", 1, "Error: sigaction() failed\n", ""},
+      {"pipe", 1, "Error: pipe() failed\n", ""},
+      {"fcntl", 1, "Error: pipe() failed\n", ""},
+      {"fcntl", 2, "Error: pipe() failed\n", ""},
+      {"fcntl", 3, "Error: pipe() failed\n", ""},
+      {"fcntl", 4, "Error: pipe() failed\n", ""},
+      {"fork", 1, "Error: fork() failed\n", ""},
+      {"waitpid", 1, "", "x"},
+      {"sigaction", 2, "Error: sigaction() restore failed\n", "x"},
+      {"sigaction", 2, "Error: sigaction() restore failed\n", "x", "printf x; kill -9 $$"},
+  };
+  struct sigaction custom {};
+  custom.sa_handler = IgnoreSignal;
+  custom.sa_flags = SA_NOCLDSTOP | SA_NODEFER;
+  sigaddset(&custom.sa_mask, SIGUSR1);
+  struct sigaction before {};
+  ASSERT_EQ(sigaction(SIGCHLD, &custom, &before), 0);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.call + std::to_string(c.nth));
+    CapturedLog log;
+    const LeakCheck leaks;
+    testing::internal::CaptureStderr();
+    Failing fault(c.call, c.nth, EMFILE);
+    const ShellRun run(c.script);
+    EXPECT_TRUE(fault.Happened());
+    EXPECT_EQ(run.result, -1);
+    EXPECT_EQ(run.exitCode, kUnwritten);
+    EXPECT_EQ(run.output, c.output);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), c.error);
+    EXPECT_EQ(log.lines, CapturedLog::Lines());
+    // The two that cannot clean up behind themselves.
+    if (c.call == "waitpid"s) (void)waitpid(-1, nullptr, 0);
+    if (c.call == "sigaction"s && c.nth == 2) sigaction(SIGCHLD, &custom, nullptr);
+  }
+  sigaction(SIGCHLD, &before, nullptr);
+}
+
+TEST(System, ExceptionsPassThroughOnceAllIsCleanedUp) {
+  const LeakCheck leaks;
+  const char* argv[] = {"/bin/sh", "-c", "printf %064d 1; exit 127", nullptr};
+  std::string output;
+  {
+    Failing allocation("new", 1, ENOMEM);
+    EXPECT_THROW(System(argv, &output), std::bad_alloc);
+  }
+  CapturedLog log;
+  log.throws = true;
+  int exitCode = kUnwritten;
+  EXPECT_THROW(System(argv, &output, &exitCode), std::runtime_error);
+  EXPECT_EQ(exitCode, 127);
+}
+
+TEST(System, WorksWithStandardDescriptorsClosed) {
+  for (int closed = 0; closed < 8; ++closed) {
+    SCOPED_TRACE(closed);
+    EXPECT_TRUE(PassesInChild([&] {
+      for (int fd = 0; fd < 3; ++fd) {
+        if ((closed >> fd & 1) != 0) close(fd);
+      }
+      CapturedLog log;
+      const LeakCheck leaks;
+      const ShellRun good("printf out; printf err >&2; [ -e /proc/self/fd/0 ] || exit 3");
+      EXPECT_EQ(good.result, 0);
+      EXPECT_EQ(good.exitCode, (closed & 1) != 0 ? 3 : 0);
+      EXPECT_EQ(good.output, "outerr");
+      EXPECT_EQ(System("no-such-program"), -2);
+      EXPECT_EQ(log.lines.size(), 1U);
+    }));
+  }
+}
+
+TEST(CloseAllFds, ClosesExactlyItsRange) {
+  const struct {
+    int firstFd;
+    int keepFd;
+    std::vector<int> open;
+  } cases[] = {
+      {100, 200, {99, 200, 1024}},
+      {100, 0, {99, 1024}},
+      {100, 100, {99, 100, 1024}},
+      {100, 1023, {99, 1023, 1024}},
+      {100, 1024, {99, 1024}},
+      {-5, -7, {1024}},
+      {1023, 3, {99, 100, 200, 1022, 1024}},
+      {1024, 2000, {99, 100, 200, 1022, 1023, 1024}},
+  };
+  for (const auto& c : cases) {
+    for (const bool refused : {false, true}) {
+      SCOPED_TRACE(std::to_string(c.firstFd) + " " + std::to_string(refused));
+      EXPECT_TRUE(PassesInChild([&] {
+        const std::vector<int> candidates = {99, 100, 200, 1022, 1023, 1024};
+        for (const int fd : candidates) ASSERT_EQ(dup2(STDERR_FILENO, fd), fd);
+        Failing one("syscall", refused ? 1 : 0, ENOSYS);
+        Failing two("syscall", refused ? 2 : 0, EPERM);
+        GXUtils::CloseAllFds(c.firstFd, c.keepFd);
+        std::vector<int> open;
+        for (const int fd : candidates) {
+          if (fcntl(fd, F_GETFD) >= 0) open.push_back(fd);
+        }
+        EXPECT_EQ(open, c.open);
+      }));
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+/// @file
+/// What the commands of gxutil share. A command is one Add() call:
+///
+///     Add(app, "name", "What it does", [](CLI::App& command) {
+///       const auto* text = command.add_option("TEXT", "What it is")->required();
+///       return [=] { return PrintLine(GXUtils::Name(text->as<std::string>())); };
+///     });
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace gxutil {
+
+constexpr int kFailure = 1;  // the exit status of an operation that failed
+
+/// Runs a command whose operands have been read; the result is the exit status.
+using Body = std::function<int()>;
+
+/// Adds a command: `define` declares its options and operands and returns its body.
+void Add(CLI::App& app, const std::string& name, const std::string& summary,
+         const std::function<Body(CLI::App&)>& define);
+
+/// The operands of a command that takes any number of them. They are handed on byte for byte, and
+/// options stand before the first one; after "--" an operand may begin with a dash.
+class OperandList {
+ public:
+  /// Makes `command` take the operands `name`, shown with `help` in its help text.
+  OperandList(CLI::App& command, const std::string& name, const std::string& help);
+
+  std::vector<std::string> Get() const;
+
+  /// Whether the operands follow a "--".
+  bool AfterDashes() const;
+
+ private:
+  CLI::App* command_;
+};
+
+/// Results go to the standard output: bytes as they are, lines with a line feed (or NUL) each. All
+/// return the exit status 0.
+int PrintBytes(const std::string& bytes);
+int PrintLine(const std::string& line);
+int PrintLines(const std::vector<std::string>& lines, bool endWithNul);
+
+/// Writes "gxutil: ", the message and a line feed to the standard error stream; returns kFailure.
+int Fail(const std::string& message);
+
+void AddProcessCommands(CLI::App& app);
+
+}  // namespace gxutil
