@@ -52,6 +52,7 @@ void bench::Compare(const std::string& subject, const std::string& baseline, dou
 
 int main(int argc, char** argv) {
   bench::AddProcessRows();
+  bench::AddTextRows();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   RatioTable table;

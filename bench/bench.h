@@ -40,5 +40,6 @@ class Row {
 };
 
 void AddProcessRows();
+void AddTextRows();
 
 }  // namespace bench

@@ -4,6 +4,7 @@
 /// What holds for all of them:
 /// - A byte string is a std::string without an encoding; a NUL byte in it is ordinary data, except
 ///   where it becomes a path, a program name or an argument, which end at their first NUL byte.
+///   A parameter of type const char* is NUL-terminated and not null.
 /// - Pointers that return a result are optional unless the function says otherwise, and are written
 ///   only on the results that the function names.
 /// - Nothing is logged and nothing is thrown unless the function says so. Exceptions of the
@@ -16,6 +17,7 @@
 ///   as long as the strings passed by reference are not shared.
 #pragma once
 
+#include <list>
 #include <string>
 #include <vector>
 
@@ -75,6 +77,77 @@ int System(std::string command, std::string* output = nullptr, int* exitCode = n
 /// are skipped; those from 1024 on are never closed. A `firstFd` below 0 counts as 0, and a
 /// `keepFd` outside the range keeps nothing. Safe to call in a child between fork() and exec.
 void CloseAllFds(int firstFd, int keepFd);
+
+/// @}
+
+/// @name Text
+/// Characters are bytes; nothing depends on an encoding or, CompareHexStrings() apart, on the
+/// locale.
+/// @{
+
+/// Cuts a text at every separator byte.
+///
+/// @return the fields, one more than there are separators, empty ones included: joined with the
+///         separator they give the text back.
+std::vector<std::string> SplitString(std::string text, char separator);
+
+/// @return `text` without the bytes at its two ends that are in `set`.
+std::string Strip(std::string text, std::string set);
+
+/// Replaces every occurrence of `pattern` in `text`, from left to right; what was inserted is not
+/// searched again. An empty pattern changes nothing. `pattern` and `replacement` may point into
+/// `text`.
+///
+/// @return a copy of the rewritten text.
+std::string ReplaceInString(std::string& text, const char* pattern, const char* replacement);
+
+/// Assembles lines from a text that arrives in pieces. Lines end with a line feed or with a
+/// carriage return and a line feed, also where a piece ends between the two; other carriage returns
+/// are data.
+///
+/// @param pending the unfinished line, kept by the caller between the calls and empty at first. Not
+///        null. What is left in it at the end of the text is a last line without a line end. Each
+///        call looks through it once for line ends that the caller may have put there.
+/// @return the lines completed by `chunk`, without their line ends.
+std::vector<std::string> StringLines(const char* chunk, std::string* pending);
+
+/// @return the decimal text of `value`, with a minus sign for negative ones and nothing else.
+std::string LongToString(long value);
+
+/// Stores a list of byte strings in one text that DecodeStringList() reads back.
+///
+/// The elements stand in order with the separator between them, followed by a space when it is the
+/// comma or NUL. A separator or backslash inside an element has a backslash before it. An empty
+/// list is the empty text, and so is a list of one empty element. With the backslash as separator,
+/// which the format cannot have, the text is built the same way and cannot be read back.
+std::string EncodeStringList(const std::list<std::string>& elements, char separator);
+
+/// Reads back what EncodeStringList() wrote. `*output` is cleared first. Elements lose white space
+/// (" \f\n\r\t\v") at both ends, also where it was escaped; a blank text is the empty list. With
+/// the backslash as separator, every backslash is read as an escape.
+///
+/// @return false after a backslash that escapes neither a backslash nor the separator, or that ends
+/// the
+///         text: one line is logged with level 4 ("DecodeStringList: Bad escape sequence" or
+///         "DecodeStringList: Trailing slash") and `*output` keeps the elements that a separator
+///         had closed. A null `output` is a programming error and stops the process in every build.
+bool DecodeStringList(const std::string& text, std::list<std::string>* output, char separator);
+
+/// Compares two dotted versions, component by component, as text: "10" is lower than "9", "1.0" is
+/// lower than "1.0a". A missing component equals the component "0" and is lower than any other,
+/// "00" and the empty one included.
+///
+/// @return below, equal to or above 0, as the first is lower, equal or higher; only the sign
+/// counts.
+int CompareVersions(const char* first, const char* second);
+
+/// Compares two hexadecimal numbers of any length. A leading "0x" (not "0X") and zeros do not
+/// count, nor does the case of letters. The digits are not checked: longer is higher, then the
+/// first difference of the bytes decides, lowered by tolower() in the current locale and taken as
+/// unsigned.
+///
+/// @return -1, 0 or 1, as the first is lower, equal or higher.
+int CompareHexStrings(const char* first, const char* second);
 
 /// @}
 

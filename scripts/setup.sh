@@ -8,7 +8,7 @@ debian_packages() {
   case $1 in
     build) echo g++ cmake make pkg-config libcli11-dev libgtest-dev ;;
     check) echo clang clang-format clang-tidy ;;
-    bench) echo libbenchmark-dev ;;
+    bench) echo libbenchmark-dev libabsl-dev ;;
     *) return 1 ;;
   esac
 }
@@ -17,7 +17,7 @@ brew_packages() {
   case $1 in
     build) echo cmake pkg-config cli11 googletest gettext ;;
     check) echo llvm ;;
-    bench) echo google-benchmark ;;
+    bench) echo google-benchmark abseil ;;
     *) return 1 ;;
   esac
 }

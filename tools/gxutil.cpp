@@ -42,6 +42,29 @@ void Add(CLI::App& app, const std::string& name, const std::string& summary,
   });
 }
 
+Text Operand(CLI::App& command, const std::string& name, const std::string& help) {
+  const CLI::Option* operand = command.add_option(name, help)->required();
+  return [operand] { return operand->as<std::string>(); };
+}
+
+std::function<char()> SeparatorOption(CLI::App& command) {
+  const CLI::Option* option = command.add_option("-s,--separator", "The separator, \\0 for NUL")
+                                  ->default_str(",")
+                                  ->check([](const std::string& text) {
+                                    const bool good = text.size() == 1 || text == "\\0";
+                                    return good ? "" : "the separator is one byte";
+                                  });
+  return [option] {
+    const auto text = option->count() == 0 ? "," : option->as<std::string>();
+    return text.size() == 1 ? text[0] : '\0';
+  };
+}
+
+Switch NullOption(CLI::App& command) {
+  const CLI::Option* flag = command.add_flag("-0,--null", "End each with NUL, not a line feed");
+  return [flag] { return flag->count() != 0; };
+}
+
 OperandList::OperandList(CLI::App& command, const std::string& name, const std::string& help)
     : command_(&command) {
   command.prefix_command();
@@ -75,6 +98,11 @@ int PrintLines(const std::vector<std::string>& lines, bool endWithNul) {
   return 0;
 }
 
+int PrintBool(bool value) {
+  (void)PrintLine(value ? "true" : "false");
+  return value ? 0 : kFailure;
+}
+
 int Fail(const std::string& message) {
   (void)std::fprintf(stderr, "gxutil: %s\n", message.c_str());
   return kFailure;
@@ -85,6 +113,7 @@ int Run(std::vector<std::string> arguments) {
   app.set_version_flag("--version", "gxutil " GXUTIL_VERSION);
   app.require_subcommand(1);
   AddProcessCommands(app);
+  AddTextCommands(app);
 
   arguments = MarkOperandList(app, std::move(arguments));
   std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

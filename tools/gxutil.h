@@ -2,8 +2,8 @@
 /// What the commands of gxutil share. A command is one Add() call:
 ///
 ///     Add(app, "name", "What it does", [](CLI::App& command) {
-///       const auto* text = command.add_option("TEXT", "What it is")->required();
-///       return [=] { return PrintLine(GXUtils::Name(text->as<std::string>())); };
+///       const auto text = Operand(command, "TEXT", "What it is");
+///       return [=] { return PrintLine(GXUtils::Name(text())); };
 ///     });
 #pragma once
 
@@ -22,6 +22,19 @@ using Body = std::function<int()>;
 /// Adds a command: `define` declares its options and operands and returns its body.
 void Add(CLI::App& app, const std::string& name, const std::string& summary,
          const std::function<Body(CLI::App&)>& define);
+
+/// What an option or operand was given as; to be called once the command line has been read.
+using Text = std::function<std::string()>;
+using Switch = std::function<bool()>;
+
+/// Declares an operand that has to be given.
+Text Operand(CLI::App& command, const std::string& name, const std::string& help);
+
+/// Declares "-s, --separator": one byte, or "\\0" for NUL; the comma by default.
+std::function<char()> SeparatorOption(CLI::App& command);
+
+/// Declares "-0, --null" of the commands that print a list.
+Switch NullOption(CLI::App& command);
 
 /// The operands of a command that takes any number of them. They are handed on byte for byte, and
 /// options stand before the first one; after "--" an operand may begin with a dash.
@@ -45,9 +58,13 @@ int PrintBytes(const std::string& bytes);
 int PrintLine(const std::string& line);
 int PrintLines(const std::vector<std::string>& lines, bool endWithNul);
 
+/// Prints "true" or "false"; the exit status is 0 or kFailure.
+int PrintBool(bool value);
+
 /// Writes "gxutil: ", the message and a line feed to the standard error stream; returns kFailure.
 int Fail(const std::string& message);
 
 void AddProcessCommands(CLI::App& app);
+void AddTextCommands(CLI::App& app);
 
 }  // namespace gxutil

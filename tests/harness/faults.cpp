@@ -40,6 +40,7 @@ bool Failing::Now(const char* call) {
 
 WRAP(pid_t, fork, (), (), -1)
 WRAP(int, pipe, (int ends[2]), (ends), -1)
+WRAP(ssize_t, read, (int fd, void* buffer, std::size_t size), (fd, buffer, size), -1)
 WRAP(int, sigaction, (int signal, const struct sigaction* action, struct sigaction* old),
      (signal, action, old), -1)
 WRAP(pid_t, waitpid, (pid_t pid, int* status, int options), (pid, status, options), -1)

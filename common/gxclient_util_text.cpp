@@ -1,0 +1,279 @@
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "gxclient_util.h"
+#include "support/logfile.h"
+
+// The assertion below stays alive in every build type.
+#undef NDEBUG
+#include <cassert>
+
+namespace GXUtils {
+namespace {
+
+// A set of bytes with a look-up in constant time.
+class ByteSet {
+ public:
+  constexpr explicit ByteSet(std::string_view members) {
+    for (const char member : members) has_[static_cast<unsigned char>(member)] = true;
+  }
+  constexpr bool Has(char byte) const { return has_[static_cast<unsigned char>(byte)]; }
+
+ private:
+  bool has_[256] = {};
+};
+
+constexpr ByteSet kWhitespace(" \f\n\r\t\v");
+
+// The part of `text` from its first to its last byte that is not in `set`.
+std::string_view Trim(std::string_view text, const ByteSet& set) {
+  while (!text.empty() && set.Has(text.back())) text.remove_suffix(1);
+  while (!text.empty() && set.Has(text.front())) text.remove_prefix(1);
+  return text;
+}
+
+// Finds one byte in a text from a position on that only grows: however often it is asked, it looks
+// at each byte of the text once.
+class ForwardFinder {
+ public:
+  ForwardFinder(std::string_view text, char wanted) : text_(text), wanted_(wanted) { Search(0); }
+
+  // The first position from `start` on; the size of the text when there is none.
+  std::size_t From(std::size_t start) {
+    if (found_ < start) Search(start);
+    return found_;
+  }
+
+ private:
+  void Search(std::size_t start) { found_ = std::min(text_.find(wanted_, start), text_.size()); }
+
+  std::string_view text_;
+  char wanted_;
+  std::size_t found_ = 0;
+};
+
+// Finds the two bytes that mean something in the escaped list format.
+class SpecialFinder {
+ public:
+  SpecialFinder(std::string_view text, char separator)
+      : separator_(text, separator), escape_(text, '\\') {}
+
+  std::size_t From(std::size_t start) {
+    return std::min(separator_.From(start), escape_.From(start));
+  }
+
+ private:
+  ForwardFinder separator_;
+  ForwardFinder escape_;
+};
+
+// Looks at every byte, without a way out of the loop: that is what compilers can vectorise.
+bool HasSpecial(std::string_view text, char separator) {
+  unsigned char special = 0;
+  for (const char byte : text) {
+    special |=
+        static_cast<unsigned char>(byte == separator) | static_cast<unsigned char>(byte == '\\');
+  }
+  return special != 0;
+}
+
+void AppendEscaped(std::string& text, const std::string& element, char separator) {
+  if (!HasSpecial(element, separator)) {
+    text += element;
+    return;
+  }
+  for (const char byte : element) {
+    if (byte == separator || byte == '\\') text += '\\';
+    text += byte;
+  }
+}
+
+// The standard search is fast on short patterns, but compares the whole pattern at every candidate;
+// memmem() stays linear with long ones.
+constexpr std::size_t kShortPattern = 16;
+
+std::size_t FindPattern(std::string_view text, std::string_view pattern, std::size_t start) {
+  if (pattern.size() <= kShortPattern) return text.find(pattern, start);
+  const void* found =
+      memmem(text.data() + start, text.size() - start, pattern.data(), pattern.size());
+  if (found == nullptr) return std::string_view::npos;
+  return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+}
+
+// Appends to `lines` what `text` completes; `open` is the line begun before, and then the rest.
+void CutLines(std::string_view text, std::string& open, std::vector<std::string>& lines) {
+  for (;;) {
+    const std::size_t end = text.find('\n');
+    if (end == std::string_view::npos) break;
+    open.append(text.data(), end);
+    if (!open.empty() && open.back() == '\r') open.pop_back();
+    lines.push_back(std::move(open));
+    open.clear();
+    text.remove_prefix(end + 1);
+  }
+  open.append(text);
+}
+
+const char* SkipHexPrefix(const char* text) {
+  if (text[0] == '0' && text[1] == 'x') text += 2;
+  while (*text == '0') ++text;
+  return text;
+}
+
+int LowerCase(char byte) { return std::tolower(static_cast<unsigned char>(byte)); }
+
+}  // namespace
+
+std::vector<std::string> SplitString(std::string text, char separator) {
+  std::vector<std::string> fields;
+  const auto separators = std::count(text.begin(), text.end(), separator);
+  fields.reserve(static_cast<std::size_t>(separators) + 1);
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t end = text.find(separator, start);
+    if (end == std::string::npos) break;
+    fields.emplace_back(text, start, end - start);
+    start = end + 1;
+  }
+  fields.emplace_back(text, start);
+  return fields;
+}
+
+std::string Strip(std::string text, std::string set) {
+  const std::string_view kept = Trim(text, ByteSet(set));
+  const auto start = static_cast<std::size_t>(kept.data() - text.data());
+  text.resize(start + kept.size());
+  text.erase(0, start);
+  return text;
+}
+
+std::string ReplaceInString(std::string& text, const char* pattern, const char* replacement) {
+  const std::string_view wanted = pattern;
+  const std::string_view inserted = replacement;
+  if (wanted.empty()) return text;
+  std::size_t found = FindPattern(text, wanted, 0);
+  if (found == std::string::npos) return text;
+
+  std::string result;
+  result.reserve(text.size());
+  std::size_t start = 0;
+  for (; found != std::string::npos; found = FindPattern(text, wanted, start)) {
+    result.append(text, start, found - start);
+    result.append(inserted);
+    start = found + wanted.size();
+  }
+  result.append(text, start);
+  text = result;
+  return result;
+}
+
+std::vector<std::string> StringLines(const char* chunk, std::string* pending) {
+  const std::string_view added = chunk;
+  std::vector<std::string> lines;
+  lines.reserve(static_cast<std::size_t>(std::count(added.begin(), added.end(), '\n')));
+  if (pending->find('\n') != std::string::npos) {  // only a caller's own tail holds line ends
+    const std::string tail = std::exchange(*pending, std::string());
+    CutLines(tail, *pending, lines);
+  }
+  CutLines(added, *pending, lines);
+  return lines;
+}
+
+std::string LongToString(long value) {
+  char text[32] = {};
+  (void)std::snprintf(text, sizeof text, "%ld", value);
+  return text;
+}
+
+std::string EncodeStringList(const std::list<std::string>& elements, char separator) {
+  std::string joiner(1, separator);
+  if (separator == ',' || separator == '\0') joiner += ' ';
+  std::size_t size = 0;
+  for (const std::string& element : elements) size += element.size() + joiner.size();
+
+  std::string text;
+  text.reserve(size);
+  for (auto element = elements.begin(); element != elements.end(); ++element) {
+    if (element != elements.begin()) text += joiner;
+    AppendEscaped(text, *element, separator);
+  }
+  return text;
+}
+
+bool DecodeStringList(const std::string& text, std::list<std::string>* output, char separator) {
+  assert(output);
+  output->clear();
+  if (Trim(text, kWhitespace).empty()) return true;
+
+  SpecialFinder special(text, separator);
+  std::string unescaped;  // the element's bytes up to its last escape
+  std::size_t start = 0;
+  const auto closeElement = [&](std::size_t end) {
+    const std::string_view rest(text.data() + start, end - start);
+    if (unescaped.empty()) {
+      output->emplace_back(Trim(rest, kWhitespace));
+      return;
+    }
+    unescaped.append(rest);
+    output->emplace_back(Trim(unescaped, kWhitespace));
+    unescaped.clear();
+  };
+  for (std::size_t next = special.From(0); next != text.size(); next = special.From(start)) {
+    if (text[next] != '\\') {
+      closeElement(next);
+      start = next + 1;
+      continue;
+    }
+    if (next + 1 == text.size()) {
+      logfile.Log("DecodeStringList: Trailing slash", 4);
+      return false;
+    }
+    const char escaped = text[next + 1];
+    if (escaped != '\\' && escaped != separator) {
+      logfile.Log("DecodeStringList: Bad escape sequence", 4);
+      return false;
+    }
+    unescaped.append(text, start, next - start);
+    unescaped += escaped;
+    start = next + 2;
+  }
+  closeElement(text.size());
+  return true;
+}
+
+int CompareVersions(const char* first, const char* second) {
+  const std::vector<std::string> ours = SplitString(first, '.');
+  const std::vector<std::string> theirs = SplitString(second, '.');
+  const std::size_t common = std::min(ours.size(), theirs.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    const int order = ours[i].compare(theirs[i]);
+    if (order != 0) return order;
+  }
+  // A missing component counts as "0"; any other one makes its version the higher.
+  const std::vector<std::string>& longer = ours.size() > common ? ours : theirs;
+  const auto isZero = [](const std::string& component) { return component == "0"; };
+  if (std::all_of(longer.begin() + static_cast<std::ptrdiff_t>(common), longer.end(), isZero)) {
+    return 0;
+  }
+  return &longer == &ours ? 1 : -1;
+}
+
+int CompareHexStrings(const char* first, const char* second) {
+  first = SkipHexPrefix(first);
+  second = SkipHexPrefix(second);
+  const std::size_t firstLength = std::strlen(first);
+  const std::size_t secondLength = std::strlen(second);
+  if (firstLength != secondLength) return firstLength < secondLength ? -1 : 1;
+  for (; *first != '\0'; ++first, ++second) {
+    const int ours = LowerCase(*first);
+    const int theirs = LowerCase(*second);
+    if (ours != theirs) return ours < theirs ? -1 : 1;
+  }
+  return 0;
+}
+
+}  // namespace GXUtils
