@@ -4,10 +4,14 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "bench.h"
 #include "gxclient_util.h"
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -34,6 +38,40 @@ void BareRun(const char* const* argv, std::string* output = nullptr) {
   if (waitpid(pid, &status, 0) != pid || status != 0) std::abort();
 }
 
+// The same for a detached start: the parent learns of the exec from a pipe that closes with it.
+void BareStart(const char* const* argv) {
+  int ends[2];
+  if (pipe(ends) != 0 || fcntl(ends[1], F_SETFD, FD_CLOEXEC) != 0) std::abort();
+  const pid_t pid = fork();
+  if (pid == 0) {
+    close(ends[0]);
+    syscall(SYS_close_range, 3, ends[1] - 1, 0);
+    syscall(SYS_close_range, ends[1] + 1, 1023, 0);
+    setsid();
+    execvp(argv[0], const_cast<char* const*>(argv));
+    _exit(1);
+  }
+  close(ends[1]);
+  char report[16];
+  if (read(ends[0], report, sizeof report) != 0) std::abort();
+  close(ends[0]);
+  if (waitpid(pid, nullptr, 0) != pid) std::abort();
+}
+
+// SplitCommandLine for lines without quotes.
+std::vector<std::string> SplitAtSpaces(const std::string& line) {
+  std::vector<std::string> arguments;
+  const char* start = line.data();
+  const char* end = start + line.size();
+  while (const void* found = std::memchr(start, ' ', static_cast<std::size_t>(end - start))) {
+    const char* space = static_cast<const char*>(found);
+    if (space != start) arguments.emplace_back(start, space);
+    start = space + 1;
+  }
+  if (start != end) arguments.emplace_back(start, end);
+  return arguments;
+}
+
 constexpr const char* kTrue[] = {"true", nullptr};
 constexpr const char* kCapture[] = {"head", "-c", "67108864", "/dev/zero", nullptr};
 constexpr const char* kCaptureText[] = {"sh", "-c", "yes | head -c 67108864", nullptr};
@@ -55,4 +93,19 @@ void bench::AddProcessRows() {
     std::string output;
     BareRun(kCaptureText, &output);
   });
+  Row("SystemNowait(true)", [] {
+    const int pid = GXUtils::SystemNowait(kTrue);
+    if (waitpid(pid, nullptr, 0) != pid) std::abort();
+  }).Against("bare pipe, fork, exec", 1.10, [] { BareStart(kTrue); });
+
+  const std::string five = "/usr/bin/program --verbose --output file.txt input";
+  std::string megabyte;
+  while (megabyte.size() < 1000000) megabyte += five + " ";
+  for (const auto& [name, line] : {std::pair("5 arguments", five), std::pair("1 MB", megabyte)}) {
+    Row("SplitCommandLine, "s + name, [line = line] {
+      benchmark::DoNotOptimize(GXUtils::SplitCommandLine(line));
+    }).Against("memchr loop", 1.10, [line = line] {
+      benchmark::DoNotOptimize(SplitAtSpaces(std::string(line)));
+    });
+  }
 }

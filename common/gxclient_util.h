@@ -78,6 +78,55 @@ int System(std::string command, std::string* output = nullptr, int* exitCode = n
 /// `keepFd` outside the range keeps nothing. Safe to call in a child between fork() and exec.
 void CloseAllFds(int firstFd, int keepFd);
 
+/// Starts a program in a session of its own and returns without waiting for it to end.
+///
+/// `argv` and what the program inherits are as with System(): it is found along PATH, shares the
+/// caller's standard input and, without the out-pointers, standard output and error. Where
+/// `stdoutFd`
+/// (`stderrFd`) is given, its standard output (error) goes into a new pipe. The call blocks only
+/// until the program has been executed or has failed to. It leaves the action for SIGCHLD alone and
+/// may run on any thread.
+///
+/// @return the process id: a child of the caller, who waits for it and closes the read ends stored
+/// in
+///         the out-pointers. These are ordinary blocking descriptors, not close-on-exec.
+///         -1: nothing was started: a pipe could not be made, or fork failed.
+///         -2: the program could not be executed, or this could not be learnt because the read that
+///         waits for it failed or was interrupted by a signal (it is not retried; the program may
+///         then be running and is left to itself). After a failed exec the child has been waited
+///         for. The out-pointers are written on success only.
+///
+/// Nothing is logged. A child whose exec failed writes the text of the error and a newline to its
+/// standard error, through std::cerr: the pipe for `stderrFd`, which is closed and lost with the
+/// result -2, or else the caller's own standard error.
+int SystemNowait(const char* const* argv, int* stdoutFd = nullptr, int* stderrFd = nullptr);
+
+/// The same for a command line, cut as by System().
+///
+/// @throws GXException code 11, with the translation of "Empty command", when `command` has length
+/// 0.
+int SystemNowait(std::string command, int* stdoutFd = nullptr, int* stderrFd = nullptr);
+
+/// @return whether stat() succeeds on `path`: a file of any kind exists there and can be reached. A
+///         symbolic link counts when its target exists.
+bool CheckFileExist(std::string path);
+
+/// Tests one execute bit of `path`, that of the first class which the real user and group id of the
+/// process belong to: owner, group, others. An owner without the owner's bit gets false whatever
+/// the other bits say. Supplementary groups and effective ids do not count, the superuser is not
+/// special, and the kind of file does not matter: a directory that may be searched passes.
+///
+/// @return that bit; false when stat() fails.
+bool CheckFileExecutable(std::string path);
+
+/// Finds a program along PATH: the first entry + "/" + `name` that passes the test of
+/// CheckFileExecutable(), exactly as built. Only a leading "/" makes a name absolute: it is then
+/// tested as it is, and PATH is not read. An empty entry of PATH stands for the root directory, and
+/// an empty name finds the first entry that is a searchable directory. Reads the environment.
+///
+/// @return the path found; the empty string when there is none or PATH is not set.
+std::string Which(std::string name);
+
 /// @}
 
 /// @name Text

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <libintl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,7 +9,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <iostream>
+#include <iterator>
 #include <utility>
 
 #include "gxclient_util.h"
@@ -29,6 +33,8 @@ constexpr int kNotStarted = -2;
 constexpr int kNotFoundStatus = 127;    // what shells exit with for an unknown command
 constexpr int kExecFailedStatus = 128;  // what our child exits with when its exec failed
 
+constexpr int kDetachedExecFailedStatus = 1;
+
 constexpr int kFirstInheritedFd = 3;  // the first one above the standard descriptors
 constexpr int kLastClosedFd = 1023;   // fixed, whatever the descriptor limit is
 
@@ -37,7 +43,7 @@ constexpr std::size_t kReadSize = 255;  // a piece of captured output; what a NU
 // Stands in for an argument array without an entry: no program has the empty name.
 constexpr const char* kNoProgram[] = {"", nullptr};
 
-// Owns one descriptor and closes it once; -1 owns nothing.
+// Owns one descriptor and closes it once; -1 owns nothing. Hand it on with Release().
 class UniqueFd {
  public:
   UniqueFd() = default;
@@ -46,6 +52,7 @@ class UniqueFd {
   ~UniqueFd() { Reset(); }
 
   int Get() const { return fd_; }
+  int Release() { return std::exchange(fd_, -1); }
   void Reset(int fd = -1) {
     if (fd_ >= 0) (void)close(fd_);
     fd_ = fd;
@@ -68,6 +75,7 @@ struct Pipe {
     writeEnd.Reset(ends[1]);
     return Shield(readEnd) && Shield(writeEnd);
   }
+  bool IsOpen() const { return writeEnd.Get() >= 0; }
 
  private:
   static bool Shield(UniqueFd& end) {
@@ -154,6 +162,73 @@ void CloseRange(int first, int last) {
   CloseAllFds(kFirstInheritedFd, STDIN_FILENO);
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   LeaveChild(kExecFailedStatus);
+}
+
+// The texts of the errors that execvp() can report, fetched before the fork: strerror() takes the
+// locale's lock, which another thread may hold at that moment, and the child would wait for ever.
+class ExecErrorTexts {
+ public:
+  ExecErrorTexts() {
+    for (std::size_t i = 0; i < kCount; ++i) texts_[i] = std::strerror(kErrors[i]);
+  }
+
+  const char* Find(int error) const {
+    const auto found = std::find(std::begin(kErrors), std::end(kErrors), error);
+    if (found == std::end(kErrors)) return std::strerror(error);
+    return texts_[static_cast<std::size_t>(found - std::begin(kErrors))].c_str();
+  }
+
+ private:
+  static constexpr int kErrors[] = {
+      E2BIG,   EACCES, EAGAIN, EFAULT,  EINVAL, EIO,     EISDIR, ELOOP,  EMFILE,    ENAMETOOLONG,
+      ENFILE,  ENODEV, ENOENT, ENOEXEC, ENOMEM, ENOTDIR, EPERM,  ESTALE, ETIMEDOUT, ETXTBSY,
+#ifdef ELIBBAD
+      ELIBBAD,
+#endif
+  };
+  static constexpr std::size_t kCount = std::size(kErrors);
+
+  std::string texts_[kCount];
+};
+
+struct DetachedPipes {
+  Pipe status;  // closes with the exec; carries a byte when that has failed
+  Pipe output;  // these two only where the caller wants them
+  Pipe error;
+};
+
+// Runs in the forked child. Only plain calls on values prepared before the fork, but for the error
+// text, which goes through std::cerr; the C library makes its streams usable again in a child.
+[[noreturn]] void ExecDetached(const char* const* argv, DetachedPipes& pipes,
+                               const ExecErrorTexts& errorTexts) noexcept {
+  pipes.status.readEnd.Reset();
+  pipes.output.readEnd.Reset();
+  if (pipes.output.IsOpen()) (void)dup2(pipes.output.writeEnd.Get(), STDOUT_FILENO);
+  if (pipes.error.IsOpen()) (void)dup2(pipes.error.writeEnd.Get(), STDERR_FILENO);
+  CloseAllFds(kFirstInheritedFd, pipes.status.writeEnd.Get());
+  (void)setsid();
+  (void)execvp(argv[0], const_cast<char* const*>(argv));
+  const int error = errno;
+  (void)!write(pipes.status.writeEnd.Get(), "e", 1);
+  // What the client had buffered in std::cout is the client's to write, and nothing may throw here.
+  std::cerr.tie(nullptr);
+  std::cerr.exceptions(std::ios::goodbit);
+  std::cerr << errorTexts.Find(error) << std::endl;
+  LeaveChild(kDetachedExecFailedStatus);
+}
+
+// Gives the caller a read end as the ordinary descriptor that it expects.
+int HandOver(UniqueFd& end) {
+  (void)fcntl(end.Get(), F_SETFD, 0);
+  return end.Release();
+}
+
+bool IsExecutable(const std::string& path) {
+  struct stat info {};
+  if (stat(path.c_str(), &info) != 0) return false;
+  if (info.st_uid == getuid()) return (info.st_mode & S_IXUSR) != 0;
+  if (info.st_gid == getgid()) return (info.st_mode & S_IXGRP) != 0;
+  return (info.st_mode & S_IXOTH) != 0;
 }
 
 // Reads to the end. A failed or interrupted read ends it as well; it is not retried, on purpose.
@@ -261,6 +336,61 @@ void CloseAllFds(int firstFd, int keepFd) {
   }
   CloseRange(first, keepFd - 1);
   CloseRange(keepFd + 1, kLastClosedFd);
+}
+
+int SystemNowait(const char* const* argv, int* stdoutFd, int* stderrFd) {
+  if (argv[0] == nullptr) argv = kNoProgram;
+
+  DetachedPipes pipes;
+  if (!pipes.status.Open()) return kRunFailed;
+  if (stdoutFd != nullptr && !pipes.output.Open()) return kRunFailed;
+  if (stderrFd != nullptr && !pipes.error.Open()) return kRunFailed;
+  const ExecErrorTexts errorTexts;
+
+  const pid_t pid = fork();
+  if (pid < 0) return kRunFailed;
+  if (pid == 0) ExecDetached(argv, pipes, errorTexts);
+
+  pipes.status.writeEnd.Reset();
+  pipes.output.writeEnd.Reset();
+  pipes.error.writeEnd.Reset();
+  char report[16] = {};
+  // Not retried when interrupted, on purpose.
+  const ssize_t count = read(pipes.status.readEnd.Get(), report, sizeof report);
+  pipes.status.readEnd.Reset();
+  // The child still writes its error text: the read ends stay open until it has ended.
+  if (count > 0) Reap(pid);
+  if (count != 0) return kNotStarted;
+
+  if (stdoutFd != nullptr) *stdoutFd = HandOver(pipes.output.readEnd);
+  if (stderrFd != nullptr) *stderrFd = HandOver(pipes.error.readEnd);
+  return pid;
+}
+
+int SystemNowait(std::string command, int* stdoutFd, int* stderrFd) {
+  if (command.empty()) throw GXException(11, gettext("Empty command"));
+  ArgVector arguments;
+  AddCommandLine(arguments, std::move(command));
+  return SystemNowait(arguments.getArgArray(), stdoutFd, stderrFd);
+}
+
+bool CheckFileExist(std::string path) {
+  struct stat info {};
+  return stat(path.c_str(), &info) == 0;
+}
+
+bool CheckFileExecutable(std::string path) { return IsExecutable(path); }
+
+std::string Which(std::string name) {
+  if (!name.empty() && name.front() == '/') return IsExecutable(name) ? name : std::string();
+  const char* path = std::getenv("PATH");
+  if (path == nullptr) return {};
+  for (std::string& candidate : SplitString(path, ':')) {
+    candidate += '/';  // an empty entry means the root directory, on purpose
+    candidate += name;
+    if (IsExecutable(candidate)) return std::move(candidate);
+  }
+  return {};
 }
 
 }  // namespace GXUtils

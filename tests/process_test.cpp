@@ -1,10 +1,17 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <iostream>
 #include <new>
 #include <string>
 #include <vector>
@@ -17,6 +24,7 @@
 
 using namespace std::string_literals;
 using GXUtils::System;
+using GXUtils::SystemNowait;
 
 namespace {
 
@@ -34,6 +42,16 @@ struct ShellRun {
 };
 
 void IgnoreSignal(int) {}
+
+std::string ReadAll(int fd) {
+  std::string text;
+  char piece[512];
+  for (ssize_t count; (count = read(fd, piece, sizeof piece)) > 0;) {
+    text.append(piece, static_cast<std::size_t>(count));
+  }
+  close(fd);
+  return text;
+}
 
 TEST(SplitCommandLine, FollowsItsGrammar) {
   const struct {
@@ -205,7 +223,7 @@ TEST(System, ExceptionsPassThroughOnceAllIsCleanedUp) {
   EXPECT_EQ(exitCode, 127);
 }
 
-TEST(System, WorksWithStandardDescriptorsClosed) {
+TEST(Runners, WorkWithStandardDescriptorsClosed) {
   for (int closed = 0; closed < 8; ++closed) {
     SCOPED_TRACE(closed);
     EXPECT_TRUE(PassesInChild([&] {
@@ -220,8 +238,167 @@ TEST(System, WorksWithStandardDescriptorsClosed) {
       EXPECT_EQ(good.output, "outerr");
       EXPECT_EQ(System("no-such-program"), -2);
       EXPECT_EQ(log.lines.size(), 1U);
+
+      int out = kUnwritten;
+      int err = kUnwritten;
+      EXPECT_EQ(SystemNowait("no-such-program"), -2);
+      EXPECT_EQ(SystemNowait("no-such-program", &out, &err), -2);
+      EXPECT_EQ(out, kUnwritten);
+      const int pid = SystemNowait("sh -c \"printf out; printf err >&2\"", &out, &err);
+      EXPECT_GT(out, 2);
+      EXPECT_GT(err, 2);
+      EXPECT_EQ(ReadAll(out), "out");
+      EXPECT_EQ(ReadAll(err), "err");
+      EXPECT_EQ(waitpid(pid, nullptr, 0), pid);
     }));
   }
+}
+
+TEST(SystemNowait, HandsOverTheChildAndItsOutput) {
+  const char* argv[] = {"/bin/sh", "-c", "printf out; printf err >&2; read x; printf $?", nullptr};
+  EXPECT_TRUE(PassesInChild([&] {
+    int input[2];
+    ASSERT_EQ(pipe2(input, O_CLOEXEC), 0);
+    dup2(input[0], STDIN_FILENO);
+    const LeakCheck leaks;
+    int out = -1;
+    int err = -1;
+    const int pid = SystemNowait(argv, &out, &err);
+    ASSERT_GT(pid, 0);  // back while the program still waits for its input
+    EXPECT_EQ(waitpid(pid, nullptr, WNOHANG), 0);
+    EXPECT_EQ(getsid(pid), pid);
+    for (const int fd : {out, err}) {
+      EXPECT_EQ(fcntl(fd, F_GETFD), 0);
+      EXPECT_EQ(fcntl(fd, F_GETFL) & O_NONBLOCK, 0);
+    }
+    EXPECT_EQ(write(input[1], "\n", 1), 1);
+    EXPECT_EQ(ReadAll(out), "out0");
+    EXPECT_EQ(ReadAll(err), "err");
+    EXPECT_EQ(waitpid(pid, nullptr, 0), pid);
+  }));
+}
+
+TEST(SystemNowait, SharesTheCallersOutputAndLeavesItsBuffersAlone) {
+  int both[2];
+  ASSERT_EQ(pipe2(both, O_CLOEXEC), 0);
+  EXPECT_TRUE(PassesInChild([&] {
+    std::setvbuf(stdout, nullptr, _IOFBF, 4096);
+    dup2(both[1], STDOUT_FILENO);
+    dup2(both[1], STDERR_FILENO);
+    const LeakCheck leaks;
+    std::cout << "buffered";
+    EXPECT_EQ(SystemNowait("no-such-program -x"), -2);
+    EXPECT_EQ(SystemNowait("   "), -2);
+    const int pid = SystemNowait("sh -c \"exec printf shared\"");
+    EXPECT_EQ(waitpid(pid, nullptr, 0), pid);
+  }));
+  close(both[1]);
+  const std::string missing = std::strerror(ENOENT) + "\n"s;
+  EXPECT_EQ(ReadAll(both[0]), missing + missing + "sharedbuffered");
+}
+
+TEST(SystemNowait, FaultsLeaveNothingBehind) {
+  const struct {
+    const char* call;
+    int upToNth;
+    int result;
+  } cases[] = {{"pipe", 3, -1}, {"fcntl", 12, -1}, {"fork", 1, -1}, {"read", 1, -2}};
+  for (const auto& c : cases) {
+    for (int nth = 1; nth <= c.upToNth; ++nth) {
+      SCOPED_TRACE(c.call + std::to_string(nth));
+      const LeakCheck leaks;
+      int out = kUnwritten;
+      int err = kUnwritten;
+      Failing fault(c.call, nth, EINTR);
+      EXPECT_EQ(SystemNowait("true", &out, &err), c.result);
+      EXPECT_TRUE(fault.Happened());
+      EXPECT_EQ(out, kUnwritten);
+      EXPECT_EQ(err, kUnwritten);
+      if (c.result == -2) (void)waitpid(-1, nullptr, 0);  // the program may be running
+    }
+  }
+  const LeakCheck leaks;
+  int err = kUnwritten;
+  Failing interrupted("waitpid", 1, EINTR);
+  EXPECT_EQ(SystemNowait("no-such-program", nullptr, &err), -2);
+  EXPECT_TRUE(interrupted.Happened());
+  EXPECT_EQ(err, kUnwritten);
+  try {
+    SystemNowait(""s);
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const GXException& error) {
+    EXPECT_EQ(error.code(), 11);
+    EXPECT_STREQ(error.what(), "Empty command");
+  }
+}
+
+TEST(CheckFileExecutable, AsksTheFirstClassThatTheRealIdsBelongTo) {
+  if (getuid() != 0) GTEST_SKIP() << "only the superuser can give files away";
+  constexpr uid_t kUser = 1001;
+  constexpr gid_t kGroup = 1002;
+  const struct {
+    mode_t mode;
+    uid_t owner;
+    gid_t group;
+    bool executable;
+  } cases[] = {
+      {0100, kUser, 0, true},  {0644, kUser, kGroup, false}, {0077, kUser, kGroup, false},
+      {0010, 0, kGroup, true}, {0707, 0, kGroup, false},     {0701, 0, 0, true},
+      {0776, 0, 0, false},     {0100, 0, 0, false},
+  };
+  char path[] = "/tmp/gxclientXXXXXX";
+  close(mkstemp(path));
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.mode);
+    ASSERT_EQ(chown(path, c.owner, c.group), 0);
+    ASSERT_EQ(chmod(path, c.mode), 0);
+    EXPECT_TRUE(PassesInChild([&] {
+      ASSERT_EQ(setresgid(kGroup, 0, 0), 0);
+      ASSERT_EQ(setresuid(kUser, 0, 0), 0);
+      EXPECT_EQ(GXUtils::CheckFileExecutable(path), c.executable);
+      EXPECT_EQ(GXUtils::Which(path), c.executable ? path : "");
+    }));
+  }
+  unlink(path);
+}
+
+TEST(Which, WalksThePathAsWritten) {
+  char folder[] = "/tmp/gxclientXXXXXX";
+  ASSERT_NE(mkdtemp(folder), nullptr);
+  const std::string dir = folder;
+  for (const char* name : {"/a", "/b", "/b/tool", "/a/none", "/a/sub", "/a/sub/tool"}) {
+    ASSERT_EQ(mkdir((dir + name).c_str(), name == "/a/none"s ? 0600 : 0700), 0);
+  }
+  ASSERT_EQ(symlink("nowhere", (dir + "/a/tool").c_str()), 0);
+  const struct {
+    const char* path;
+    std::string name;
+    std::string found;
+  } cases[] = {
+      {"a:b", "tool", "b/tool"},
+      {"a/sub:b", "tool", "a/sub/tool"},
+      {"b/", "tool", "b//tool"},
+      {"b:a", "sub/tool", "a/sub/tool"},
+      {"b", "", "b/"},
+      {"a", "none", ""},
+      {"b", dir + "/b/tool", dir + "/b/tool"},
+      {"b", dir + "/a/none", ""},
+      {"", "bin", "/bin"},
+      {"b::b", "bin", "/bin"},
+      {"b", "./tool", "b/./tool"},
+  };
+  EXPECT_TRUE(PassesInChild([&] {
+    ASSERT_EQ(chdir(folder), 0);
+    for (const auto& c : cases) {
+      setenv("PATH", c.path, 1);
+      EXPECT_EQ(GXUtils::Which(c.name), c.found) << c.path << " " << c.name;
+    }
+    unsetenv("PATH");
+    EXPECT_EQ(GXUtils::Which("ls"), "");
+    EXPECT_TRUE(GXUtils::CheckFileExist("a/none"));
+    EXPECT_FALSE(GXUtils::CheckFileExist("a/tool"));
+  }));
+  std::filesystem::remove_all(folder);
 }
 
 TEST(CloseAllFds, ClosesExactlyItsRange) {
