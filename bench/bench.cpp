@@ -53,6 +53,7 @@ void bench::Compare(const std::string& subject, const std::string& baseline, dou
 int main(int argc, char** argv) {
   bench::AddProcessRows();
   bench::AddTextRows();
+  bench::AddEncodingRows();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   RatioTable table;

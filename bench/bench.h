@@ -15,7 +15,7 @@ void Compare(const std::string& subject, const std::string& baseline, double tar
 
 template <class Body>
 void Time(const std::string& name, Body body) {
-  benchmark::RegisterBenchmark(name.c_str(), [body](benchmark::State& state) {
+  benchmark::RegisterBenchmark(name.c_str(), [body](benchmark::State& state) mutable {
     for (auto _ : state) body();
   })->UseRealTime();
 }
@@ -41,5 +41,6 @@ class Row {
 
 void AddProcessRows();
 void AddTextRows();
+void AddEncodingRows();
 
 }  // namespace bench

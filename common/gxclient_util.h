@@ -200,4 +200,60 @@ int CompareHexStrings(const char* first, const char* second);
 
 /// @}
 
+/// @name Encodings
+/// @{
+
+/// Converts text from one character encoding to another with iconv().
+///
+/// The encodings are names that iconv_open() knows; the empty name is the locale's encoding.
+/// "UTF-16" and "UCS-2", spelt just so, mean little-endian code units without a byte order mark;
+/// every other name goes to iconv as it is. `outlen` bytes at `out` are set to zero, then the
+/// converted text is written from the first one on. Nothing tells its length: a caller finds the
+/// end at the first zero byte or code unit, which is missing when the text fills the whole buffer.
+/// `outlen` 0 with a null `out` is fine.
+///
+/// Characters that the target does not have are dropped where iconv can do that (the suffix
+/// "//IGNORE"), otherwise the conversion stops there. There is exactly one call of iconv(). With
+/// the C library of Linux, a text in which something was dropped or is invalid is reported as bad
+/// input, and when it is longer than about 8,000 characters its conversion ends with the internal
+/// block in which that happened; an invalid byte in a later block can vanish without a line.
+///
+/// Where iconv cannot convert between UTF-8 and the locale's encoding at all (both names empty or
+/// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
+/// at most `outlen` - 1 bytes of the input are then looked at.
+///
+/// Every problem is a line logged with level 2, and what was converted so far stays in the buffer:
+/// - "iconv: Insufficient space": the text does not fit;
+/// - "iconv: Bad input data": invalid or incomplete input, or something dropped;
+/// - "iconv: Non-reversible conversion performed": characters were replaced by similar ones;
+/// - "iconv: Unable to convert from X to Y": an encoding is not known; then "iconv: Using ASCII
+/// truncation
+///   fallback" where that is what happens.
+///
+/// @throws std::logic_error when a name is null (from std::string, where the standard library
+/// checks that),
+///         before the buffer is touched.
+void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
+               unsigned long outlen);
+
+/// The same for a whole string.
+///
+/// @return the converted text up to its first zero byte: for targets without zero bytes (UTF-8, the
+///         locale's encoding, single-byte sets), not for 16-bit ones. Empty when an encoding is not
+///         known.
+/// @throws std::length_error when four times the length does not fit into a size.
+std::string Transcode(const char* from, const char* to, std::string in);
+
+/// @return the UTF-8 text in lower case, as towlower() of the current locale has it: letters
+/// outside ASCII
+///         are lowered in a UTF-8 locale. It ends at the first NUL character. Characters outside
+///         the Basic Multilingual Plane and invalid bytes are dropped or end the text; a text that
+///         grows by more than two bytes (a lower-case letter can be longer) is cut at a character.
+///         Transcode(), which converts to "UCS-2" and back, logs such problems; there is no ASCII
+///         fallback.
+/// @throws std::length_error as Transcode().
+std::string ToLower(std::string text);
+
+/// @}
+
 }  // namespace GXUtils

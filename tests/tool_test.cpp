@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -49,9 +50,13 @@ TEST(Gxutil, Commands) {
       {"encode-string-list '[a,b]' c", "[a\\,b], c"},
       {"decode-string-list ' a ,b\\, '", "a\nb,\n"},
       {"decode-string-list 'a,b\\c' 2>/dev/null", "a\n", 1},
+      {"transcode UTF-8 UTF-16 -b 6 ab | tr '\\0' .", "a.b..."},
+      {"transcode ISO-8859-1 UTF-8 < <(printf '\\344')", "\xC3\xA4"},
+      {"to-lower < <(printf 'A\\303\\204')", "a\xC3\xA4"},
       {"compare-versions 1.10 1.9", "-1\n"},
       {"compare-hex-strings 0xff FE", "1\n"},
   };
+  setenv("LC_ALL", "C.UTF-8", 1);
   for (const auto& c : cases) {
     SCOPED_TRACE(c.arguments);
     std::string output;

@@ -7,6 +7,7 @@
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <stdexcept>
 
 using namespace std::string_literals;
 
@@ -31,6 +32,16 @@ std::vector<std::string> MarkOperandList(const CLI::App& app, std::vector<std::s
   return arguments;
 }
 
+std::string ReadStandardInput() {
+  std::string text;
+  char piece[65536];
+  while (const std::size_t count = std::fread(piece, 1, sizeof piece, stdin)) {
+    text.append(piece, count);
+  }
+  if (std::ferror(stdin) != 0) throw std::runtime_error("the standard input cannot be read");
+  return text;
+}
+
 }  // namespace
 
 void Add(CLI::App& app, const std::string& name, const std::string& summary,
@@ -45,6 +56,14 @@ void Add(CLI::App& app, const std::string& name, const std::string& summary,
 Text Operand(CLI::App& command, const std::string& name, const std::string& help) {
   const CLI::Option* operand = command.add_option(name, help)->required();
   return [operand] { return operand->as<std::string>(); };
+}
+
+Text Input(CLI::App& command, const std::string& name, const std::string& help) {
+  const std::string fullHelp = help + " (default: standard input)";
+  const CLI::Option* operand = command.add_option(name, fullHelp);
+  return [operand] {
+    return operand->count() != 0 ? operand->as<std::string>() : ReadStandardInput();
+  };
 }
 
 std::function<char()> SeparatorOption(CLI::App& command) {
@@ -114,6 +133,7 @@ int Run(std::vector<std::string> arguments) {
   app.require_subcommand(1);
   AddProcessCommands(app);
   AddTextCommands(app);
+  AddEncodingCommands(app);
 
   arguments = MarkOperandList(app, std::move(arguments));
   std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

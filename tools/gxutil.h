@@ -30,6 +30,9 @@ using Switch = std::function<bool()>;
 /// Declares an operand that has to be given.
 Text Operand(CLI::App& command, const std::string& name, const std::string& help);
 
+/// Declares an operand that is the whole standard input where it is not given.
+Text Input(CLI::App& command, const std::string& name, const std::string& help);
+
 /// Declares "-s, --separator": one byte, or "\\0" for NUL; the comma by default.
 std::function<char()> SeparatorOption(CLI::App& command);
 
@@ -66,5 +69,6 @@ int Fail(const std::string& message);
 
 void AddProcessCommands(CLI::App& app);
 void AddTextCommands(CLI::App& app);
+void AddEncodingCommands(CLI::App& app);
 
 }  // namespace gxutil

@@ -1,5 +1,6 @@
 #include "harness/faults.h"
 
+#include <iconv.h>
 #include <sys/types.h>
 
 #include <cerrno>
@@ -20,7 +21,11 @@ Failing::Failing(const char* call, int nth, int error)
   armed = this;
 }
 
-Failing::~Failing() { armed = next_; }
+Failing::~Failing() {
+  Failing** link = &armed;
+  while (*link != this) link = &(*link)->next_;
+  *link = next_;
+}
 
 bool Failing::Now(const char* call) {
   for (Failing* fault = armed; fault != nullptr; fault = fault->next_) {
@@ -43,7 +48,13 @@ WRAP(int, pipe, (int ends[2]), (ends), -1)
 WRAP(ssize_t, read, (int fd, void* buffer, std::size_t size), (fd, buffer, size), -1)
 WRAP(int, sigaction, (int signal, const struct sigaction* action, struct sigaction* old),
      (signal, action, old), -1)
+WRAP(iconv_t, iconv_open, (const char* to, const char* from), (to, from), iconv_t(-1))
 WRAP(pid_t, waitpid, (pid_t pid, int* status, int options), (pid, status, options), -1)
+
+// With the error 0 the call succeeds, leaves all its input and counts two replaced characters.
+WRAP(std::size_t, iconv,
+     (iconv_t descriptor, char** in, std::size_t* inlen, char** out, std::size_t* outlen),
+     (descriptor, in, inlen, out, outlen), errno == 0 ? 2 : static_cast<std::size_t>(-1))
 
 // The two variadic ones: every call in the module passes at most this many integers.
 extern "C" {

@@ -1,0 +1,198 @@
+#include <iconv.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <cwctype>
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+
+#include "gxclient_util.h"
+#include "support/logfile.h"
+
+using namespace std::string_view_literals;
+
+namespace GXUtils {
+namespace {
+
+constexpr std::size_t kIconvFailed = static_cast<std::size_t>(-1);
+
+// An encoding's name as iconv gets it: the 16-bit encodings are read and written in little-endian
+// order, without a byte order mark.
+std::string Normalised(const char* name) {
+  std::string normalised = name;
+  if (normalised == "UTF-16"sv || normalised == "UCS-2"sv) normalised += "LE";
+  return normalised;
+}
+
+// What one conversion call did.
+struct Conversion {
+  bool opened = false;
+  std::size_t result = 0;  // of iconv()
+  int error = 0;           // errno where that is kIconvFailed
+  std::size_t inputLeft = 0;
+  std::size_t written = 0;
+};
+
+// Calls iconv(), whose input pointer is char** with some libraries and const char** with others.
+template <class Input>
+std::size_t CallIconv(std::size_t (*function)(iconv_t, Input, std::size_t*, char**, std::size_t*),
+                      iconv_t descriptor, const char** in, std::size_t* inlen, char** out,
+                      std::size_t* outlen) {
+  return function(descriptor, const_cast<Input>(in), inlen, out, outlen);
+}
+
+class IconvDescriptor {
+ public:
+  IconvDescriptor(const std::string& from, const std::string& to)
+      : descriptor_(iconv_open(to.c_str(), from.c_str())) {}
+  IconvDescriptor(const IconvDescriptor&) = delete;
+  IconvDescriptor& operator=(const IconvDescriptor&) = delete;
+  ~IconvDescriptor() {
+    if (IsOpen()) (void)iconv_close(descriptor_);
+  }
+
+  bool IsOpen() const { return descriptor_ != reinterpret_cast<iconv_t>(-1); }
+
+  // One call, whatever it leaves; no call to flush a shift state, on purpose.
+  Conversion Convert(const char* in, std::size_t inlen, char* out, std::size_t outlen) const {
+    Conversion done;
+    done.opened = true;
+    done.inputLeft = inlen;
+    std::size_t room = outlen;
+    done.result = CallIconv(iconv, descriptor_, &in, &done.inputLeft, &out, &room);
+    done.error = errno;
+    done.written = outlen - room;
+    return done;
+  }
+
+ private:
+  iconv_t descriptor_;
+};
+
+// Converts with the target that drops what it cannot hold, or where that is refused with the plain
+// one. The descriptors are closed when this returns.
+Conversion ConvertOnce(const std::string& from, const std::string& to, const char* in,
+                       std::size_t inlen, char* out, std::size_t outlen) {
+  std::string ignoringTarget;
+  ignoringTarget.append(to).append("//IGNORE");
+  const IconvDescriptor ignoring(from, ignoringTarget);
+  if (ignoring.IsOpen()) return ignoring.Convert(in, inlen, out, outlen);
+  const IconvDescriptor plain(from, to);
+  if (plain.IsOpen()) return plain.Convert(in, inlen, out, outlen);
+  return {};
+}
+
+void Report(const Conversion& done) {
+  if (done.result == kIconvFailed) {
+    logfile.Log(done.error == E2BIG ? "iconv: Insufficient space" : "iconv: Bad input data", 2);
+    return;
+  }
+  if (done.inputLeft != 0) logfile.Log("iconv: Insufficient space", 2);
+  if (done.result != 0) logfile.Log("iconv: Non-reversible conversion performed", 2);
+}
+
+bool IsUtf8OrLocale(const std::string& name) { return name.empty() || name == "UTF-8"; }
+
+// Keeps the ASCII characters before the first zero byte. A byte that is dropped takes room as well,
+// on purpose, and the last byte of `out` is never written.
+std::size_t KeepAscii(const char* in, std::size_t inlen, char* out, std::size_t outlen) {
+  const char* end = in + std::min(inlen, std::max<std::size_t>(outlen, 1) - 1);
+  char* next = out;
+  for (; in != end && *in != '\0'; ++in) {
+    if (static_cast<unsigned char>(*in) < 0x80) *next++ = *in;
+  }
+  return static_cast<std::size_t>(next - out);
+}
+
+// Transcode() without touching the part of `out` that is not written. Returns what is written.
+std::size_t Convert(const std::string& from, const std::string& to, const char* in,
+                    std::size_t inlen, char* out, std::size_t outlen) {
+  const Conversion done = ConvertOnce(from, to, in, inlen, out, outlen);
+  if (done.opened) {
+    Report(done);
+    return done.written;
+  }
+  logfile.Log("iconv: Unable to convert from " + from + " to " + to, 2);
+  if (!IsUtf8OrLocale(from) || !IsUtf8OrLocale(to)) return 0;
+  logfile.Log("iconv: Using ASCII truncation fallback", 2);
+  return KeepAscii(in, inlen, out, outlen);
+}
+
+// Room for `perByte` bytes for each of `count` and some more, not initialised.
+class Scratch {
+ public:
+  Scratch(std::size_t count, std::size_t perByte, std::size_t more) {
+    if (count > (SIZE_MAX - more) / perByte) throw std::length_error("the text is too long");
+    size_ = count * perByte + more;
+    if (size_ > sizeof small_) large_.reset(new char[size_]);
+  }
+  char* Bytes() { return large_ ? large_.get() : small_; }
+  std::size_t Size() const { return size_; }
+
+ private:
+  std::size_t size_;
+  char small_[256];  // enough for a name or a label
+  std::unique_ptr<char[]> large_;
+};
+
+// The size of the text in `bytes`, which ends at its first zero byte or else at `size`.
+std::size_t TextSize(const char* bytes, std::size_t size) {
+  const void* zero = std::memchr(bytes, '\0', size);
+  return zero == nullptr ? size : static_cast<std::size_t>(static_cast<const char*>(zero) - bytes);
+}
+
+bool IsSurrogate(unsigned unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
+
+// Lowers the little-endian code units before the first zero one; returns the bytes they take.
+std::size_t LowerUnits(char* bytes, std::size_t size) {
+  std::size_t at = 0;
+  for (; at + 1 < size; at += 2) {
+    const unsigned low = static_cast<unsigned char>(bytes[at]);
+    const unsigned high = static_cast<unsigned char>(bytes[at + 1]);
+    const unsigned unit = low | high << 8;
+    if (unit == 0) break;
+    if (IsSurrogate(unit)) continue;
+    const auto lowered = static_cast<unsigned>(std::towlower(unit));
+    bytes[at] = static_cast<char>(lowered & 0xFF);
+    bytes[at + 1] = static_cast<char>(lowered >> 8 & 0xFF);
+  }
+  return at;
+}
+
+}  // namespace
+
+void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
+               unsigned long outlen) {
+  const std::string source = Normalised(from);
+  const std::string target = Normalised(to);
+  char nothing = '\0';  // iconv() takes no null pointer, not even for an empty buffer
+  char* buffer = outlen == 0 ? &nothing : static_cast<char*>(out);
+  std::memset(buffer, 0, outlen);
+  (void)Convert(source, target, static_cast<const char*>(in), inlen, buffer, outlen);
+}
+
+std::string Transcode(const char* from, const char* to, std::string in) {
+  const std::string source = Normalised(from);
+  const std::string target = Normalised(to);
+  Scratch scratch(in.size(), 4, 8);
+  const std::size_t written =
+      Convert(source, target, in.data(), in.size(), scratch.Bytes(), scratch.Size());
+  return {scratch.Bytes(), TextSize(scratch.Bytes(), written)};
+}
+
+std::string ToLower(std::string text) {
+  Scratch wide(text.size(), 2, 4);
+  Scratch narrow(text.size(), 1, 2);
+  const std::size_t widened =
+      Convert("UTF-8", "UCS-2LE", text.data(), text.size(), wide.Bytes(), wide.Size());
+  const std::size_t lowered = LowerUnits(wide.Bytes(), widened);
+  const std::size_t written =
+      Convert("UCS-2LE", "UTF-8", wide.Bytes(), lowered, narrow.Bytes(), narrow.Size());
+  return {narrow.Bytes(), TextSize(narrow.Bytes(), written)};
+}
+
+}  // namespace GXUtils
