@@ -256,4 +256,51 @@ std::string ToLower(std::string text);
 
 /// @}
 
+/// @name Encodings
+/// @{
+
+/// Encodes bytes as Base64 (RFC 4648, section 4): padded with "=", without line breaks.
+///
+/// @return the text, 4 characters for every 3 bytes begun.
+std::string Base64Encode(std::string data);
+
+/// The same for the `len` bytes at `data`, which may be null when `len` is 0.
+std::string Base64Encode(const unsigned char* data, unsigned long len);
+
+/// Decodes Base64 text (RFC 4648, section 4), strictly as to its length and characters, leniently
+/// as to its padding.
+///
+/// "=" may stand anywhere and counts as a digit with the value 64: it leaves out the second byte of
+/// its group where it is the third character and the third byte where it is the fourth, and
+/// elsewhere adds what is left of its value in the low 8 bits of a byte. It does not end the
+/// decoding; the groups after it are decoded as well. Bits that padding leaves over need not be
+/// zero.
+///
+/// Works in the memory of its argument: a text moved in is not copied.
+///
+/// @return the bytes; the empty string for a text whose length is not a multiple of 4 or that holds
+///         a byte which is neither a Base64 digit nor "=", such as a line break, and for the empty
+///         text.
+std::string Base64Decode(std::string text);
+
+/// Turns pairs of hexadecimal digits, of either case, into the bytes that they spell.
+///
+/// A pair is read as strtol() reads a text of two characters in base 16: white space of the current
+/// locale or a sign may stand in for the first digit, as in " a", "+a" (both 0x0A) and "-1" (0xFF,
+/// the low 8 bits of the number), and a NUL byte ends a pair early. White space after a digit is
+/// refused.
+///
+/// Works in the memory of its argument: a text moved in is not copied.
+///
+/// @return the bytes; the empty string for a text of odd length or with a pair that strtol() does
+///         not read to its end, and for the empty text.
+std::string HexASCIIToString(std::string hex);
+
+/// Computes the SHA-256 digest (FIPS 180-4) of all bytes of `data`.
+///
+/// @param digest receives the 32 bytes of the digest; not null.
+void SHA256Digest(const std::string& data, unsigned char* digest);
+
+/// @}
+
 }  // namespace GXUtils

@@ -6,7 +6,7 @@ set -euo pipefail
 
 debian_packages() {
   case $1 in
-    build) echo g++ cmake make pkg-config libcli11-dev libgtest-dev ;;
+    build) echo g++ cmake make pkg-config libcli11-dev libgtest-dev nettle-dev ;;
     check) echo clang clang-format clang-tidy ;;
     bench) echo libbenchmark-dev libabsl-dev ;;
     *) return 1 ;;
@@ -15,7 +15,7 @@ debian_packages() {
 
 brew_packages() {
   case $1 in
-    build) echo cmake pkg-config cli11 googletest gettext ;;
+    build) echo cmake pkg-config cli11 googletest gettext nettle ;;
     check) echo llvm ;;
     bench) echo google-benchmark abseil ;;
     *) return 1 ;;
