@@ -39,6 +39,7 @@ class Row {
   std::string name_;
 };
 
+void AddCodecRows();
 void AddProcessRows();
 void AddTextRows();
 void AddEncodingRows();

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#ifdef GXCLIENT_BENCH_ABSEIL
+#ifdef BENCH_HAS_ABSL
 #include <absl/strings/str_replace.h>
 #include <absl/strings/str_split.h>
 #endif
@@ -55,7 +55,7 @@ void FeedLines(const std::vector<std::string>& chunks, Liner liner) {
 }
 
 void AddSplitRows() {
-#ifdef GXCLIENT_BENCH_ABSEIL
+#ifdef BENCH_HAS_ABSL
   const std::string eight =
       "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin:/opt/x:/y";
   const std::string large = Repeat("a field of text,", 1 << 20);
@@ -72,7 +72,7 @@ void AddSplitRows() {
 }
 
 void AddReplaceRows() {
-#ifdef GXCLIENT_BENCH_ABSEIL
+#ifdef BENCH_HAS_ABSL
   const std::string text = Repeat(std::string(78, 'x') + "\r\n", 1 << 20);
   bench::Row("ReplaceInString, 1 MiB", [text] {
     std::string copy = text;

@@ -8,7 +8,7 @@ debian_packages() {
   case $1 in
     build) echo g++ cmake make pkg-config libcli11-dev libgtest-dev nettle-dev ;;
     check) echo clang clang-format clang-tidy ;;
-    bench) echo libbenchmark-dev libabsl-dev ;;
+    bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
     *) return 1 ;;
   esac
 }
@@ -17,7 +17,7 @@ brew_packages() {
   case $1 in
     build) echo cmake pkg-config cli11 googletest gettext nettle ;;
     check) echo llvm ;;
-    bench) echo google-benchmark abseil ;;
+    bench) echo google-benchmark abseil glib openssl ;;
     *) return 1 ;;
   esac
 }
