@@ -4,6 +4,7 @@
 #include <malloc.h>
 #endif
 
+#include <cmath>
 #include <cstdio>
 #include <map>
 #include <vector>
@@ -38,9 +39,10 @@ class RatioTable : public benchmark::BenchmarkReporter {
       const auto baseline = medians_.find(row.subject + " : " + row.baseline);
       if (subject == medians_.end() || baseline == medians_.end()) continue;
       const double ratio = subject->second / baseline->second;
-      std::printf("| %s | %.3f | %s | %.3f | %.2f%s | %.2f |\n", row.subject.c_str(),
-                  subject->second / 1000, row.baseline.c_str(), baseline->second / 1000, ratio,
-                  ratio > row.target ? " (!)" : "", row.target);
+      std::printf("| %s | %.3f | %s | %.3f | %.2f%s |", row.subject.c_str(), subject->second / 1000,
+                  row.baseline.c_str(), baseline->second / 1000, ratio,
+                  ratio > row.target ? " (!)" : "");
+      std::printf(std::isinf(row.target) ? " |\n" : " %.2f |\n", row.target);
     }
   }
 

@@ -223,16 +223,14 @@ int CompareHexStrings(const char* first, const char* second);
 /// at most `outlen` - 1 bytes of the input are then looked at.
 ///
 /// Every problem is a line logged with level 2, and what was converted so far stays in the buffer:
-/// - "iconv: Insufficient space": the text does not fit;
-/// - "iconv: Bad input data": invalid or incomplete input, or something dropped;
-/// - "iconv: Non-reversible conversion performed": characters were replaced by similar ones;
-/// - "iconv: Unable to convert from X to Y": an encoding is not known; then "iconv: Using ASCII
-/// truncation
-///   fallback" where that is what happens.
+/// - "iconv: Insufficient space": the text does not fit
+/// - "iconv: Bad input data": invalid or incomplete input, or something dropped
+/// - "iconv: Non-reversible conversion performed": characters were replaced by similar ones
+/// - "iconv: Unable to convert from X to Y": an encoding is not known
+/// - "iconv: Using ASCII truncation fallback": after the line above, where that is what happens
 ///
-/// @throws std::logic_error when a name is null (from std::string, where the standard library
-/// checks that),
-///         before the buffer is touched.
+/// @throws std::logic_error when a name is null, before the buffer is touched: from std::string,
+///         where the standard library looks for that.
 void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
                unsigned long outlen);
 
@@ -244,20 +242,17 @@ void Transcode(const char* from, const char* to, const void* in, unsigned long i
 /// @throws std::length_error when four times the length does not fit into a size.
 std::string Transcode(const char* from, const char* to, std::string in);
 
-/// @return the UTF-8 text in lower case, as towlower() of the current locale has it: letters
-/// outside ASCII
-///         are lowered in a UTF-8 locale. It ends at the first NUL character. Characters outside
-///         the Basic Multilingual Plane and invalid bytes are dropped or end the text; a text that
-///         grows by more than two bytes (a lower-case letter can be longer) is cut at a character.
-///         Transcode(), which converts to "UCS-2" and back, logs such problems; there is no ASCII
-///         fallback.
+/// Lowers the letters of a UTF-8 text as towlower() of the current locale does: letters outside
+/// ASCII as well in a UTF-8 locale.
+///
+/// The result ends at the first NUL character. Characters outside the Basic Multilingual Plane and
+/// invalid bytes are dropped or end it, and a text that grows by more than two bytes (a lower-case
+/// letter can be longer) is cut at a character: Transcode(), which converts to "UCS-2" and back, logs
+/// such problems. There is no ASCII fallback.
+///
+/// @return the lowered text; the empty string where iconv cannot convert at all.
 /// @throws std::length_error as Transcode().
 std::string ToLower(std::string text);
-
-/// @}
-
-/// @name Encodings
-/// @{
 
 /// Encodes bytes as Base64 (RFC 4648, section 4): padded with "=", without line breaks.
 ///
