@@ -3,11 +3,15 @@
 #include <cstdio>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "support/argvector.h"
 #include "support/gxexception.h"
 #include "support/logfile.h"
+#include "support/parser.h"
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -53,6 +57,35 @@ TEST(GXException, CarriesCodeAndMessage) {
   } catch (const std::exception& error) {
     EXPECT_STREQ(error.what(), "text");
     EXPECT_EQ(dynamic_cast<const GXException&>(error).code(), 11);
+  }
+}
+
+TEST(Parser, ReadsFieldsAndStandsAtTheirEnd) {
+  using Field = std::tuple<int, std::string, int, std::uint32_t>;  // result, out, current, pos
+  const struct {
+    std::string text;
+    int current;
+    std::vector<Field> fields;
+  } cases[] = {
+      {"", -1, {{0, "", -1, 0}, {0, "", -1, 0}}},
+      {"ab,c", 'a', {{1, "ab", ',', 3}, {1, "c", -1, 4}, {0, "", -1, 4}}},
+      {",,", ',', {{0, "", ',', 1}, {0, "", ',', 2}, {0, "", -1, 2}}},
+      {R"(\,a\\,\\\,)", '\\', {{1, R"(,a\)", ',', 6}, {1, R"(\,)", -1, 10}}},
+      {R"(\x\)", '\\', {{1, R"(\x\)", -1, 3}}},
+      {"\x80\0,\0\xFE"s, -128, {{1, "\x80\0"s, ',', 3}, {1, "\0\xFE"s, -1, 5}}},
+      {"\xFF,z\xFF", -1, {{1, "\xFF", ',', 2}, {1, "z\xFF", -1, 4}}},
+      {"a,\xFF", 'a', {{1, "a", ',', 2}, {0, "", -1, 3}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    Parser parser(c.text);
+    EXPECT_EQ(parser.current, c.current);
+    for (const Field& field : c.fields) {
+      std::string out = "old";
+      const int result = parser.parse_comma_escaped_string(out);
+      EXPECT_EQ(Field(result != 0, out, parser.current, parser.pos), field);
+      parser.advance();
+    }
   }
 }
 

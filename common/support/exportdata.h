@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// One export of a file system.
+struct Exportdata {
+  std::string path;
+  std::int32_t access = 0;  ///< 0: not exported, 1: read-only, 2: read-write
+};

@@ -1,0 +1,3 @@
+#include "support/gxclient_prefix.h"
+
+std::string gxclient_prefix;
