@@ -1,0 +1,289 @@
+#include "support/osx_show_in_file_manager.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#ifdef __linux__
+#include <sys/syscall.h>
+#endif
+
+#include "support/descriptor.h"
+
+namespace {
+
+using GXSupport::kFirstInheritedFd;
+using GXSupport::Pipe;
+
+constexpr int kShown = 0;
+constexpr int kNothingThere = 1;
+constexpr int kNotShown = 2;
+constexpr int kNoAnswer = 3;
+
+// What the forked children say about the program; the first byte counts.
+constexpr char kSucceeded = '+';  // it exited with 0
+constexpr char kFailed = '-';     // it could not be started, or ended in another way
+constexpr char kTimedOut = '?';   // it was ended for taking too long
+
+// A bus that accepts connections and answers nothing would hold dbus-send for ever.
+constexpr unsigned kLongestRun = 10;  // seconds, more than dbus-send waits for the reply
+
+constexpr int kMostClosedFds = 65536;  // by the loop that stands in for close_range
+
+// What the forked child works on, all of it made before the fork.
+struct Launch {
+  const char* const* argv;
+  int report;       // the pipe to the parent
+  int errorOutput;  // the pipe that the program has as its standard error, -1 for none
+};
+
+// Owns a child, which the destructor waits for. That somebody else has reaped it is fine.
+struct ReapedChild {
+  pid_t pid = -1;
+
+  ReapedChild() = default;
+  ReapedChild(const ReapedChild&) = delete;
+  ReapedChild& operator=(const ReapedChild&) = delete;
+  ~ReapedChild() {
+    if (pid <= 0) return;
+    while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+  }
+};
+
+// The functions from here to Detach() run in the forked child: only plain calls on values prepared
+// before the fork.
+
+void CloseRange(int first, int last) {
+#ifdef SYS_close_range
+  if (first <= last && syscall(SYS_close_range, first, last, 0) == 0) return;
+#endif
+  for (int fd = first; fd <= std::min(last, kMostClosedFds - 1); ++fd) (void)close(fd);
+}
+
+// Leaves the standard descriptors of the program and the report open and nothing else. The child
+// may live for seconds: what it held of the client would stay open as long.
+bool TakeDescriptors(const Launch& launch) {
+  (void)close(STDIN_FILENO);
+  if (open("/dev/null", O_RDWR) != STDIN_FILENO) return false;
+  const int errorOutput = launch.errorOutput >= 0 ? launch.errorOutput : STDIN_FILENO;
+  if (dup2(STDIN_FILENO, STDOUT_FILENO) < 0 || dup2(errorOutput, STDERR_FILENO) < 0) return false;
+  CloseRange(kFirstInheritedFd, launch.report - 1);
+  CloseRange(launch.report + 1, INT_MAX);
+  return true;
+}
+
+// Whatever the client does about signals: this child is told of the program's end, the program's
+// alarm ends it, and a file manager does not start with what a thread of the client has blocked.
+void TakeSignals() {
+  (void)std::signal(SIGCHLD, SIG_DFL);
+  (void)std::signal(SIGALRM, SIG_DFL);
+  sigset_t none;
+  sigemptyset(&none);
+  (void)sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+[[noreturn]] void Leave(const Launch& launch, char report) {
+  _exit(write(launch.report, &report, 1) == 1 ? 0 : 1);
+}
+
+[[noreturn]] void Exec(const Launch& launch) {
+  (void)execvp(launch.argv[0], const_cast<char* const*>(launch.argv));
+  Leave(launch, kFailed);
+}
+
+// Waits for the program in the parent's place, so that it is known how it ended also where the
+// client ignores SIGCHLD or reaps every child.
+[[noreturn]] void Supervise(const Launch& launch) {
+  if (!TakeDescriptors(launch)) Leave(launch, kFailed);
+  TakeSignals();
+  const pid_t program = fork();
+  if (program < 0) Leave(launch, kFailed);
+  if (program == 0) {
+    (void)alarm(kLongestRun);  // it stays over exec
+    Exec(launch);
+  }
+  int status = 0;
+  while (waitpid(program, &status, 0) < 0) {
+    if (errno != EINTR) Leave(launch, kFailed);
+  }
+  if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM) Leave(launch, kTimedOut);
+  Leave(launch, status == 0 ? kSucceeded : kFailed);
+}
+
+// Leaves the program to init, in a session of its own. Nothing is reported when it has started.
+[[noreturn]] void Detach(const Launch& launch) {
+  if (!TakeDescriptors(launch)) Leave(launch, kFailed);
+  TakeSignals();
+  (void)setsid();
+  const pid_t program = fork();
+  if (program < 0) Leave(launch, kFailed);
+  if (program == 0) Exec(launch);
+  _exit(0);
+}
+
+// Back in the parent.
+
+std::string ReadAll(int fd) {
+  std::string all;
+  char piece[512];
+  for (;;) {
+    const ssize_t count = read(fd, piece, sizeof piece);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return all;
+    all.append(piece, static_cast<std::size_t>(count));
+  }
+}
+
+// Runs the program to its end and takes what it writes to its standard error.
+char Run(const char* const* argv, std::string* errors) {
+  ReapedChild child;  // first: reaped once the pipes are closed
+  Pipe report;
+  Pipe errorOutput;
+  if (!report.Open() || !errorOutput.Open()) return kFailed;
+  const Launch launch = {argv, report.writeEnd.Get(), errorOutput.writeEnd.Get()};
+  child.pid = fork();
+  if (child.pid < 0) return kFailed;
+  if (child.pid == 0) Supervise(launch);
+
+  report.writeEnd.Reset();
+  errorOutput.writeEnd.Reset();
+  *errors = ReadAll(errorOutput.readEnd.Get());
+  const std::string said = ReadAll(report.readEnd.Get());
+  return said.empty() ? kFailed : said[0];
+}
+
+// Starts the program and waits for nothing but its exec, which closes the report. macOS has no use
+// for it.
+[[maybe_unused]] bool StartDetached(const char* const* argv) {
+  ReapedChild child;
+  Pipe report;
+  if (!report.Open()) return false;
+  const Launch launch = {argv, report.writeEnd.Get(), -1};
+  child.pid = fork();
+  if (child.pid < 0) return false;
+  if (child.pid == 0) Detach(launch);
+
+  report.writeEnd.Reset();
+  return ReadAll(report.readEnd.Get()).empty();
+}
+
+#ifdef __APPLE__
+
+int Show(const std::string& path) {
+  const char* const argv[] = {"open", "-R", path.c_str(), nullptr};
+  std::string errors;
+  const char result = Run(argv, &errors);
+  if (result == kTimedOut) return kNoAnswer;
+  return result == kSucceeded ? kShown : kNotShown;
+}
+
+#else
+
+// The variable's value; one that is not set counts as empty.
+std::string Environment(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr ? value : "";
+}
+
+// The same test that dbus-send makes: where it finds no bus it starts one of its own, which stays.
+bool HasSessionBus() {
+  if (!Environment("DBUS_SESSION_BUS_ADDRESS").empty()) return true;
+  const std::string directory = Environment("XDG_RUNTIME_DIR");
+  if (directory.empty()) return false;
+  struct stat info {};
+  return lstat((directory + "/bus").c_str(), &info) == 0 && S_ISSOCK(info.st_mode) &&
+         info.st_uid == getuid();
+}
+
+bool StandsForItself(char byte) {
+  if (byte >= 'A' && byte <= 'Z') return true;
+  if (byte >= 'a' && byte <= 'z') return true;
+  if (byte >= '0' && byte <= '9') return true;
+  return byte == '-' || byte == '.' || byte == '_' || byte == '~' || byte == '/';
+}
+
+// More is escaped than a URI needs: dbus-send would cut the list at a comma.
+std::string FileUri(const std::string& path) {
+  constexpr char kHexDigits[] = "0123456789ABCDEF";
+  std::string uri = "file://";
+  for (const char byte : path) {
+    if (StandsForItself(byte)) {
+      uri += byte;
+      continue;
+    }
+    const auto code = static_cast<unsigned char>(byte);
+    uri += '%';
+    uri += kHexDigits[code >> 4];
+    uri += kHexDigits[code & 15];
+  }
+  return uri;
+}
+
+// Whether dbus-send gave up waiting. The error's name begins its line and is not translated.
+bool IsNoReply(const std::string& errors) {
+  const std::string lines = "\n" + errors;
+  for (const char* name : {"NoReply", "Timeout", "TimedOut"}) {
+    const std::string line = std::string("\nError org.freedesktop.DBus.Error.") + name + ":";
+    if (lines.find(line) != std::string::npos) return true;
+  }
+  return false;
+}
+
+int AskFileManager(const std::string& path) {
+  if (!HasSessionBus()) return kNotShown;
+  const std::string items = "array:string:" + FileUri(path);
+  // Without --print-reply it waits for no answer.
+  const char* const argv[] = {"dbus-send",
+                              "--session",
+                              "--print-reply",
+                              "--reply-timeout=5000",
+                              "--dest=org.freedesktop.FileManager1",
+                              "/org/freedesktop/FileManager1",
+                              "org.freedesktop.FileManager1.ShowItems",
+                              items.c_str(),
+                              "string:",
+                              nullptr};
+  std::string errors;
+  const char result = Run(argv, &errors);
+  if (result == kSucceeded) return kShown;
+  return result == kTimedOut || IsNoReply(errors) ? kNoAnswer : kNotShown;
+}
+
+// The folder that holds the item at an absolute path; "/" holds itself.
+std::string FolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/', path.find_last_not_of('/'));
+  return path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+// xdg-open may not come back before the window is closed, so it is not waited for.
+int OpenFolder(const std::string& folder) {
+  if ((Environment("DISPLAY") + Environment("WAYLAND_DISPLAY")).empty()) return kNotShown;
+  const char* const argv[] = {"xdg-open", folder.c_str(), nullptr};
+  return StartDetached(argv) ? kShown : kNotShown;
+}
+
+int Show(const std::string& path) {
+  const int asked = AskFileManager(path);
+  return asked == kNotShown ? OpenFolder(FolderOf(path)) : asked;
+}
+
+#endif
+
+}  // namespace
+
+int osxShowInFileManager(const std::string& path) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  if (!fs::exists(fs::symlink_status(path.c_str(), error))) return kNothingThere;
+  const fs::path item = fs::absolute(path.c_str(), error);
+  return error ? kNothingThere : Show(item.native());
+}

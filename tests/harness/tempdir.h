@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+/// An empty directory, removed with all that is in it when it goes out of scope.
+class TempDir {
+ public:
+  TempDir() {
+    if (mkdtemp(path_.data()) == nullptr) std::abort();
+  }
+  ~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+
+  /// The directory, or with a `name` the path of that entry in it.
+  std::string Path(const std::string& name = "") const {
+    return name.empty() ? path_ : path_ + "/" + name;
+  }
+
+ private:
+  std::string path_ = "/tmp/gxclient_test.XXXXXX";
+};
