@@ -247,8 +247,8 @@ std::string Transcode(const char* from, const char* to, std::string in);
 ///
 /// The result ends at the first NUL character. Characters outside the Basic Multilingual Plane and
 /// invalid bytes are dropped or end it, and a text that grows by more than two bytes (a lower-case
-/// letter can be longer) is cut at a character: Transcode(), which converts to "UCS-2" and back, logs
-/// such problems. There is no ASCII fallback.
+/// letter can be longer) is cut at a character: Transcode(), which converts to "UCS-2" and back,
+/// logs such problems. There is no ASCII fallback.
 ///
 /// @return the lowered text; the empty string where iconv cannot convert at all.
 /// @throws std::length_error as Transcode().
@@ -298,4 +298,91 @@ void SHA256Digest(const std::string& data, unsigned char* digest);
 
 /// @}
 
+/// @name Files, users and the host
+/// Paths are handed to the system as they are: nothing is normalised, resolved or converted.
+/// @{
+
+/// Makes sure that something exists at `path`, a directory by default: what is missing is made with
+/// mode 0755 less the umask. Anything that exists there counts, a file included.
+///
+/// @param path absolute. With `recursive`, what stands before the first "/" of a relative path is
+/// ignored
+///        and the rest hangs on the root directory.
+/// @param recursive makes every missing directory above `path` as well, from the root on.
+/// @return false when a directory could not be made, with errno of that mkdir(); the ones made
+/// before stay.
+///         So it is when another process makes the same directory at the same moment.
+bool CheckCreateDir(std::string path, bool recursive);
+
+/// Creates an empty file with a new name in /tmp: "/tmp/", `name` and six characters, mode 0600.
+///
+/// A `name` of more than 500 bytes is refused. One with "/" in it names a file in a folder below
+/// /tmp, which has to exist.
+///
+/// @param fd receives the descriptor, open for reading and writing and not close-on-exec, which is
+/// the
+///        caller's from then on; -1 on failure. Null: the file is closed.
+/// @return the path; the empty string on failure.
+std::string GenerateTempFile(std::string name, int* fd);
+
+/// Removes a file with unlink(). Nothing is truncated.
+///
+/// @return 0; -1 with errno set.
+int UnlinkOrTruncate(const char* path);
+
+/// @return the empty string: there is no such directory on POSIX systems.
+std::string winGetTempDir();
+
+/// The home directory: the value of HOME as it is, the empty string when it is not set. Only where
+/// HOME is
+/// "/", it is the one that the password database has for `user` (a name in UTF-8, as
+/// calcRunningUser() gives it), or "/root" for an unknown user.
+///
+/// Each call makes the per-user directory ".gannorex" in it where it is missing, mode 0755 less the
+/// umask; that this fails is not reported. Reads the environment and the password database with
+/// calls that are not reentrant: not to be called while another thread uses either. The name is
+/// converted by Transcode(), which logs what it cannot convert.
+std::string calcHomeDir(std::string user);
+
+/// The name of the running user in UTF-8: the first of LOGNAME, USERNAME and USER that is set, also
+/// to the empty string; else the login name of the real user id; else the empty string. Not to be
+/// called while another thread uses the environment or the password database; logs as
+/// calcHomeDir().
+std::string calcRunningUser();
+
+/// @return `path` when it begins with "/", otherwise `gxclient_prefix` + "/" + `path`. The prefix
+/// is read
+///         without a lock.
+std::string AddPathPrefix(std::string path);
+
+/// Asks the desktop's file manager to show a file or directory, through the client's
+/// osxShowInFileManager(), which is called on every platform.
+///
+/// @return its status, unchanged: 0 when the file is shown; support/osx_show_in_file_manager.h
+/// lists the rest.
+int ShowInFileManager(const std::string& path);
+
+/// A rough figure for the speed of the host: the sum of the integer parts of the "bogomips" lines
+/// in /proc/cpuinfo, one for each processor. Numbers and sums beyond the range of int are its
+/// nearest end.
+///
+/// @return the sum; -1 where the file cannot be read or has no such line (macOS, some processors).
+int GetBogoMips();
+
+/// @}
+
 }  // namespace GXUtils
+
+struct Exportdata;
+
+/// Reads an option that lists NFS exports: path "," mode, and further pairs after one more ","
+/// each. The mode is "ro", "rw" or "disabled". Commas inside a field are escaped as Parser has it:
+/// "\\," and "\\\\".
+///
+/// @param exports is emptied first; the records it pointed to are not deleted. Receives one record
+/// a pair, in
+///        order, valid or not; they are made with new and the caller's to delete. A pair without a
+///        mode or with another word has access 0. A path that is empty has access 0, whatever
+///        follows it. After an exception the records made before it are in it.
+/// @return 1 when every pair was valid (an empty path does not count against it), otherwise 0.
+int parse_nfs_export_option(std::string option, std::vector<Exportdata*>& exports);

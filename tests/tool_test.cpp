@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "gxclient_util.h"
+#include "harness/scopedenv.h"
 
 using namespace std::string_literals;
 
@@ -53,10 +53,30 @@ TEST(Gxutil, Commands) {
       {"transcode UTF-8 UTF-16 -b 6 ab | tr '\\0' .", "a.b..."},
       {"transcode ISO-8859-1 UTF-8 < <(printf '\\344')", "\xC3\xA4"},
       {"to-lower < <(printf 'A\\303\\204')", "a\xC3\xA4"},
+      {"base64-encode < <(printf 'M\\0')", "TQA="},
+      {"base64-decode TWFuTWE=", "ManMa"},
+      {"base64-decode TWF", "gxutil: the text is malformed\n", 1},
+      {"hex-ascii-to-string 4A4b", "JK"},
+      {"sha256-digest abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad\n"},
+      {"check-create-dir /", "true\n"},
+      {"check-create-dir -r /dev/null/x", "false\n", 1},
+      {"unlink-or-truncate $(" GXUTIL " generate-temp-file gxutil)", ""},
+      {"generate-temp-file no/such", "gxutil: the file cannot be created\n", 1},
+      {"unlink-or-truncate /no/such", "gxutil: No such file or directory\n", 1},
+      {"win-get-temp-dir", "\n"},
+      {"add-path-prefix -p /opt/app lib/x", "/opt/app/lib/x\n"},
+      {"show-in-file-manager /no/such", "gxutil: status 1\n", 1},
+      {"home-dir", "/no/such\n"},
+      {"running-user", "ann\n"},
+      {"bogo-mips | tr 0-9 9 | tr -s 9", "9\n"},
+      {"nfs-exports '/home/ann,rw,/media/usb,ro'", "2 /home/ann\n1 /media/usb\n"},
+      {"nfs-exports /a,xx 2>/dev/null", "0 /a\n", 1},
       {"compare-versions 1.10 1.9", "-1\n"},
       {"compare-hex-strings 0xff FE", "1\n"},
   };
-  setenv("LC_ALL", "C.UTF-8", 1);
+  const ScopedEnv locale("LC_ALL", "C.UTF-8");
+  const ScopedEnv home("HOME", "/no/such");
+  const ScopedEnv user("LOGNAME", "ann");
   for (const auto& c : cases) {
     SCOPED_TRACE(c.arguments);
     std::string output;

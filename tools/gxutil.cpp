@@ -134,6 +134,7 @@ int Run(std::vector<std::string> arguments) {
   AddProcessCommands(app);
   AddTextCommands(app);
   AddEncodingCommands(app);
+  AddHostCommands(app);
 
   arguments = MarkOperandList(app, std::move(arguments));
   std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

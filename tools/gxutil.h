@@ -70,5 +70,6 @@ int Fail(const std::string& message);
 void AddProcessCommands(CLI::App& app);
 void AddTextCommands(CLI::App& app);
 void AddEncodingCommands(CLI::App& app);
+void AddHostCommands(CLI::App& app);
 
 }  // namespace gxutil

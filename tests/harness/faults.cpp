@@ -1,6 +1,8 @@
 #include "harness/faults.h"
 
 #include <iconv.h>
+#include <pwd.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cerrno>
@@ -15,6 +17,9 @@ namespace {
 Failing* armed = nullptr;
 
 }  // namespace
+
+passwd* fakePasswd = nullptr;
+std::FILE* fakeFile = nullptr;
 
 Failing::Failing(const char* call, int nth, int error)
     : call_(call), left_(nth), error_(error), next_(armed) {
@@ -50,7 +55,10 @@ WRAP(int, sigaction, (int signal, const struct sigaction* action, struct sigacti
      (signal, action, old), -1)
 WRAP(iconv_t, iconv_open, (const char* to, const char* from), (to, from), iconv_t(-1))
 WRAP(pid_t, waitpid, (pid_t pid, int* status, int options), (pid, status, options), -1)
-
+WRAP(int, mkdir, (const char* path, mode_t mode), (path, mode), -1)
+WRAP(passwd*, getpwnam, (const char* name), (name), fakePasswd)
+WRAP(passwd*, getpwuid, (uid_t user), (user), fakePasswd)
+WRAP(std::FILE*, fopen, (const char* path, const char* mode), (path, mode), fakeFile)
 // With the error 0 the call succeeds, leaves all its input and counts two replaced characters.
 WRAP(std::size_t, iconv,
      (iconv_t descriptor, char** in, std::size_t* inlen, char** out, std::size_t* outlen),

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <string>
+#include <cstdio>
+
+struct passwd;
 
 /// Makes the n-th coming call of one library function (or "new", any allocation) fail once. Several
 /// may be armed. Calls of the test framework count as well: arm late, destroy early.
@@ -22,3 +24,7 @@ class Failing {
   int error_;
   Failing* next_;
 };
+
+/// What an armed call of getpwnam(), getpwuid() or fopen() gives; null unless set.
+extern passwd* fakePasswd;
+extern std::FILE* fakeFile;

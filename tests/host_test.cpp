@@ -1,0 +1,236 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "gxclient_util.h"
+#include "harness/faults.h"
+#include "harness/leakcheck.h"
+#include "harness/scopedenv.h"
+#include "harness/tempdir.h"
+#include "support/exportdata.h"
+#include "support/gxclient_prefix.h"
+
+using namespace std::string_literals;
+using GXUtils::GenerateTempFile;
+
+namespace {
+
+mode_t Mode(const std::string& path) {
+  struct stat info {};
+  return stat(path.c_str(), &info) == 0 ? info.st_mode & 07777 : 0;
+}
+
+TEST(CheckCreateDir, MakesWhatIsMissing) {
+  const struct {
+    const char* path;
+    bool recursive;
+    bool result;
+    const char* made = nullptr;     // exists afterwards
+    const char* missing = nullptr;  // does not
+  } cases[] = {
+      {"/file", false, true},
+      {"/file/sub", true, false, nullptr, "/file/sub"},
+      {"/a/b", false, false, nullptr, "/a"},
+      {"/a/b", true, true, "/a/b"},
+      {"/one", false, true, "/one"},
+      {"/n/", true, true, "/n"},
+      {"/d//e///f", true, true, "/d/e/f"},
+      {"/a/b/new/file/../x", true, true, "/a/b/new/x"},
+  };
+  const TempDir root;
+  (void)fclose(fopen(root.Path("file").c_str(), "w"));
+  EXPECT_TRUE(PassesInChild([&] {
+    umask(027);
+    for (const auto& c : cases) {
+      SCOPED_TRACE(c.path);
+      EXPECT_EQ(GXUtils::CheckCreateDir(root.Path() + c.path, c.recursive), c.result);
+      EXPECT_TRUE(c.made == nullptr || Mode(root.Path() + c.made) == 0750);
+      EXPECT_TRUE(c.missing == nullptr || Mode(root.Path() + c.missing) == 0);
+    }
+  }));
+  // The paths below never reach a mkdir() that succeeds.
+  Failing refused("mkdir", 1, EROFS);
+  EXPECT_TRUE(GXUtils::CheckCreateDir("/", false) && GXUtils::CheckCreateDir("", true));
+  EXPECT_FALSE(refused.Happened());
+  EXPECT_FALSE(GXUtils::CheckCreateDir("ignored/gxclient-test/x", true));
+  EXPECT_EQ(errno, EROFS);
+  EXPECT_TRUE(refused.Happened());
+  EXPECT_FALSE(GXUtils::CheckCreateDir("", false));
+  EXPECT_TRUE(GXUtils::CheckCreateDir("tmp", true));  // relative: hangs on the root
+}
+
+TEST(GenerateTempFile, CreatesAPrivateFile) {
+  const LeakCheck leaks;
+  const TempDir folder;
+  const std::string below = folder.Path().substr(sizeof "/tmp/" - 1) + "/";
+  for (const bool wanted : {true, false}) {
+    int fd = -2;
+    const std::string path = GenerateTempFile(below + "abc", wanted ? &fd : nullptr);
+    EXPECT_EQ(path.substr(0, path.size() - 6), folder.Path("abc"));
+    EXPECT_EQ(Mode(path), 0600U);
+    if (wanted) {
+      EXPECT_EQ(write(fd, "x", 1), 1);
+      EXPECT_EQ(std::filesystem::file_size(path), 1U);
+      close(fd);
+    }
+    EXPECT_EQ(GXUtils::UnlinkOrTruncate(path.c_str()), 0);
+  }
+  // The longest name that leaves room for the six characters, as deep as names allow.
+  std::filesystem::create_directories(folder.Path(std::string(220, 'd')));
+  const std::string deep = below + std::string(220, 'd') + "/";
+  const std::string longest = deep + std::string(500 - deep.size(), 'n');
+  const std::string cases[] = {longest + "n", "no/such/folder", "a\0b"s, std::string(5000, '/')};
+  for (const std::string& name : cases) {
+    int fd = -2;
+    EXPECT_EQ(GenerateTempFile(name, &fd), "");
+    EXPECT_EQ(fd, -1);
+  }
+  errno = 0;
+  const std::string kept = GenerateTempFile(longest, nullptr);
+  EXPECT_EQ(kept.size(), kept.empty() && errno == ENAMETOOLONG ? 0U : 511U);
+  EXPECT_EQ(GXUtils::UnlinkOrTruncate(folder.Path("none").c_str()), -1);
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_EQ(GXUtils::winGetTempDir(), "");
+}
+
+TEST(CalcHomeDir, TakesTheEnvironmentOrThePasswordDatabase) {
+  const TempDir folder;
+  const std::string home = folder.Path();
+  const struct {
+    const char* variable;
+    std::string result;
+    std::string perUser;
+  } cases[] = {
+      {home.c_str(), home, home + "/.gannorex"},
+      {nullptr, "", "/.gannorex"},
+      {"", "", "/.gannorex"},
+      {"/no/such", "/no/such", "/no/such/.gannorex"},
+      {"/", "/root", "/root/.gannorex"},
+  };
+  for (const auto& c : cases) {
+    const ScopedEnv environment("HOME", c.variable);
+    Failing refused("mkdir", 1, EACCES);
+    Failing unknown("getpwnam", 1, 0);
+    EXPECT_EQ(GXUtils::calcHomeDir("ann"), c.result);
+    EXPECT_TRUE(refused.Happened() || Mode(c.perUser) != 0) << c.perUser;
+  }
+  const ScopedEnv slash("HOME", "/");
+  std::string directory = home + "/";
+  passwd entry{};
+  entry.pw_dir = directory.data();
+  fakePasswd = &entry;
+  Failing known("getpwnam", 1, 0);
+  EXPECT_EQ(GXUtils::calcHomeDir("ann"), home + "/");
+  fakePasswd = nullptr;
+  EXPECT_EQ(Mode(home + "/.gannorex"), 0755U);
+}
+
+TEST(CalcRunningUser, TakesTheFirstVariableThatIsSet) {
+  std::string login = "login";
+  passwd entry{};
+  entry.pw_name = login.data();
+  fakePasswd = &entry;
+  const struct {
+    const char* variables[3];
+    const char* user;
+  } cases[] = {
+      {{"ann", nullptr, "bob"}, "ann"},       {{nullptr, "carl", "bob"}, "carl"},
+      {{nullptr, nullptr, "bob"}, "bob"},     {{"", nullptr, "bob"}, ""},
+      {{nullptr, nullptr, nullptr}, "login"},
+  };
+  for (const auto& c : cases) {
+    const ScopedEnv logname("LOGNAME", c.variables[0]);
+    const ScopedEnv username("USERNAME", c.variables[1]);
+    const ScopedEnv user("USER", c.variables[2]);
+    Failing known("getpwuid", 1, 0);
+    EXPECT_EQ(GXUtils::calcRunningUser(), c.user);
+  }
+  fakePasswd = nullptr;
+}
+
+TEST(AddPathPrefix, LeavesAbsolutePathsAlone) {
+  const std::string cases[][3] = {
+      {"/opt/app", "lib/x", "/opt/app/lib/x"},
+      {"/opt/app", "/etc/x", "/etc/x"},
+      {"/opt/app/", "./x", "/opt/app//./x"},
+      {"", "lib/x", "/lib/x"},
+      {"/p", "", "/p/"},
+  };
+  for (const auto& [prefix, path, full] : cases) {
+    gxclient_prefix = prefix;
+    EXPECT_EQ(GXUtils::AddPathPrefix(path), full);
+  }
+  gxclient_prefix.clear();
+}
+
+TEST(GetBogoMips, AddsUpTheProcessorsLines) {
+  const std::pair<std::string, int> cases[] = {
+      {"bogomips\t: 5986.12\nx\nbogomips : 5986.99\n", 11972},
+      {"", -1},
+      {"BogoMIPS\t: 38.00\n bogomips: 1\n", -1},
+      {"bogomips without\nbogomips: none", 0},
+      {"bogomips:1:7\nbogomips 2:-3", -2},
+      {"bogomips: 99999999999999999999\nbogomips: 5\n", INT_MAX},
+      {"bogomips: -9999999999\nbogomips: -1\n", INT_MIN},
+      {std::string(255, 'x') + "bogomips:4\n" + "bogomips" + std::string(247, ' ') + ":5\n", 4},
+  };
+  for (const auto& [text, figure] : cases) {
+    SCOPED_TRACE(text.substr(0, 60));
+    const LeakCheck leaks;
+    fakeFile =
+        text.empty() ? std::tmpfile() : fmemopen(const_cast<char*>(text.data()), text.size(), "r");
+    Failing given("fopen", 1, 0);
+    EXPECT_EQ(GXUtils::GetBogoMips(), figure);
+  }
+  fakeFile = nullptr;
+  Failing absent("fopen", 1, ENOENT);
+  EXPECT_EQ(GXUtils::GetBogoMips(), -1);
+}
+
+TEST(NfsExportOption, GivesOneRecordAPair) {
+  const struct {
+    std::string option;
+    int result;
+    std::string records;
+  } cases[] = {
+      {"/home/ann,rw,/media/usb,ro", 1, "/home/ann=2 /media/usb=1 "},
+      {"/srv/x,disabled", 1, "/srv/x=0 "},
+      {"/srv/x,RO", 0, "/srv/x=0 "},
+      {"/srv/x,ro ", 0, "/srv/x=0 "},
+      {"/srv/x", 0, "/srv/x=0 "},
+      {"/srv/x,", 0, "/srv/x=0 "},
+      {"/a,xx,/b,rw", 0, "/a=0 /b=2 "},
+      {"/a,ro,/b", 0, "/a=1 /b=0 "},
+      {"/a\\,b\\\\,ro", 1, "/a,b\\=1 "},
+      {"/\xC3\xA9\xFE,ro", 1, "/\xC3\xA9\xFE=1 "},
+      {"/a\0b,rw"s, 1, "/a\0b=2 "s},
+      {"", 1, "=0 "},
+      {"/a,ro,", 1, "/a=1 =0 "},
+      {",/a,ro", 1, "=0 /a=1 "},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.option);
+    Exportdata old;
+    std::vector<Exportdata*> exports = {&old};  // dropped, not deleted
+    EXPECT_EQ(parse_nfs_export_option(c.option, exports), c.result);
+    std::string records;
+    for (const Exportdata* record : exports) {
+      records += record->path + "=" + std::to_string(record->access) + " ";
+      delete record;
+    }
+    EXPECT_EQ(records, c.records);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,93 @@
+// Files, users and the host.
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+#include "gxclient_util.h"
+#include "gxutil.h"
+#include "support/exportdata.h"
+#include "support/gxclient_prefix.h"
+
+namespace gxutil {
+namespace {
+
+int PrintExports(const std::string& option) {
+  std::vector<Exportdata*> exports;
+  const int valid = parse_nfs_export_option(option, exports);
+  for (const Exportdata* record : exports) {
+    const std::unique_ptr<const Exportdata> owner(record);
+    (void)PrintLine(std::to_string(record->access) + " " + record->path);
+  }
+  return valid != 0 ? 0 : Fail("not every pair is valid");
+}
+
+int ShowFile(const std::string& path) {
+  const int status = GXUtils::ShowInFileManager(path);
+  return status == 0 ? 0 : Fail("status " + std::to_string(status));
+}
+
+void AddFileCommands(CLI::App& app) {
+  Add(app, "check-create-dir", "Make sure that a directory exists", [](CLI::App& command) {
+    const auto path = Operand(command, "PATH", "The directory, absolute");
+    const auto* recursive = command.add_flag("-r,--recursive", "Make those above it as well");
+    return [=] { return PrintBool(GXUtils::CheckCreateDir(path(), recursive->count() != 0)); };
+  });
+  Add(app, "generate-temp-file", "Create a private file below /tmp", [](CLI::App& command) {
+    const auto name = Operand(command, "NAME", "What its name begins with");
+    return [=] {
+      const std::string path = GXUtils::GenerateTempFile(name(), nullptr);
+      return path.empty() ? Fail("the file cannot be created") : PrintLine(path);
+    };
+  });
+  Add(app, "unlink-or-truncate", "Remove a file", [](CLI::App& command) {
+    const auto path = Operand(command, "PATH", "The file");
+    return [=] {
+      if (GXUtils::UnlinkOrTruncate(path().c_str()) == 0) return 0;
+      return Fail(std::strerror(errno));
+    };
+  });
+  Add(app, "win-get-temp-dir", "Print the platform's temporary directory",
+      [](CLI::App&) { return [] { return PrintLine(GXUtils::winGetTempDir()); }; });
+  Add(app, "add-path-prefix", "Put the installation prefix before a path", [](CLI::App& command) {
+    const auto path = Operand(command, "PATH", "The path");
+    const auto* prefix = command.add_option("-p,--prefix", "The installation prefix");
+    return [=] {
+      if (prefix->count() != 0) gxclient_prefix = prefix->as<std::string>();
+      return PrintLine(GXUtils::AddPathPrefix(path()));
+    };
+  });
+  Add(app, "show-in-file-manager", "Show a file in the desktop's file manager",
+      [](CLI::App& command) {
+        const auto path = Operand(command, "PATH", "The file");
+        return [=] { return ShowFile(path()); };
+      });
+}
+
+}  // namespace
+
+void AddHostCommands(CLI::App& app) {
+  AddFileCommands(app);
+  Add(app, "home-dir", "Print the home directory; makes .gannorex in it", [](CLI::App& command) {
+    const auto* user = command.add_option("USER", "The user (default: the running one)");
+    return [=] {
+      const bool given = user->count() != 0;
+      return PrintLine(
+          GXUtils::calcHomeDir(given ? user->as<std::string>() : GXUtils::calcRunningUser()));
+    };
+  });
+  Add(app, "running-user", "Print the running user's name",
+      [](CLI::App&) { return [] { return PrintLine(GXUtils::calcRunningUser()); }; });
+  Add(app, "bogo-mips", "Print the host's speed figure", [](CLI::App&) {
+    return [] {
+      const int figure = GXUtils::GetBogoMips();
+      return figure < 0 ? Fail("there is no figure") : PrintLine(std::to_string(figure));
+    };
+  });
+  Add(app, "nfs-exports", "Print access and path of each export", [](CLI::App& command) {
+    const auto option = Operand(command, "OPTION", "PATH,ro|rw|disabled[,PATH,...]");
+    return [=] { return PrintExports(option()); };
+  });
+}
+
+}  // namespace gxutil
