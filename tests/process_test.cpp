@@ -279,6 +279,9 @@ TEST(SystemNowait, HandsOverTheChildAndItsOutput) {
 }
 
 TEST(SystemNowait, SharesTheCallersOutputAndLeavesItsBuffersAlone) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP() << "the sanitizer flushes every stream in _exit()";
+#endif
   int both[2];
   ASSERT_EQ(pipe2(both, O_CLOEXEC), 0);
   EXPECT_TRUE(PassesInChild([&] {
