@@ -16,11 +16,8 @@
 #include <utility>
 
 #include "gxclient_util.h"
-#ifdef __linux__
-#include <sys/syscall.h>
-#endif
-
 #include "support/argvector.h"
+#include "support/child.h"
 #include "support/descriptor.h"
 #include "support/gxexception.h"
 #include "support/logfile.h"
@@ -28,7 +25,9 @@
 namespace GXUtils {
 namespace {
 
+using GXSupport::CloseRange;
 using GXSupport::kFirstInheritedFd;
+using GXSupport::LeaveChild;
 using GXSupport::Pipe;
 using GXSupport::UniqueFd;
 
@@ -101,17 +100,6 @@ class Child {
  private:
   pid_t pid_ = -1;
 };
-
-void CloseRange(int first, int last) {
-  if (first > last) return;
-#ifdef SYS_close_range
-  if (syscall(SYS_close_range, first, last, 0) == 0) return;
-#endif
-  for (int fd = first; fd <= last; ++fd) (void)close(fd);
-}
-
-// Leaves a forked child without running exit handlers or flushing what the client has buffered.
-[[noreturn]] void LeaveChild(int status) { _exit(status); }
 
 // Runs in the forked child. Only plain calls on values prepared before the fork.
 [[noreturn]] void ExecCaptured(const char* const* argv, Pipe& capture) {

@@ -1,6 +1,16 @@
 // States of the process and the machine in which the module has to hold; docs/hostile-states.md
 // lists them all, with the tests of the other files.
 
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <atomic>
 #include <cerrno>
 #include <clocale>
@@ -14,16 +24,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "gxclient_util.h"
 #include "harness/capturedlog.h"
@@ -160,7 +160,8 @@ TEST(Hostile, MemoryLimitEndsACapture) {
   }));
 }
 
-// Every public function that allocates or calls the system, with what a caller does with the result.
+// Every public function that allocates or calls the system, with what a caller does with the
+// result.
 std::vector<std::function<void()>> AllFunctions() {
   static const std::string text(100, 'A');
   static const std::string list = GXUtils::EncodeStringList({text, text + ",", ""}, ',');
@@ -201,7 +202,10 @@ std::vector<std::function<void()>> AllFunctions() {
       [] { GXUtils::ToLower(text); },
       [] { GXUtils::Base64Decode(GXUtils::Base64Encode(text)); },
       [] { GXUtils::HexASCIIToString(text); },
-      [] { GXUtils::CheckCreateDir("/tmp/" + text + text, false) && rmdir(("/tmp/" + text + text).c_str()); },
+      [] {
+        GXUtils::CheckCreateDir("/tmp/" + text + text, false) &&
+            rmdir(("/tmp/" + text + text).c_str());
+      },
       [] { GXUtils::UnlinkOrTruncate(GXUtils::GenerateTempFile(text, nullptr).c_str()); },
       [] { GXUtils::calcHomeDir(text); },
       [] { GXUtils::calcRunningUser(); },

@@ -6,21 +6,20 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#ifdef __linux__
-#include <sys/syscall.h>
-#endif
 
+#include "support/child.h"
 #include "support/descriptor.h"
 
 namespace {
 
+using GXSupport::CloseRange;
 using GXSupport::kFirstInheritedFd;
+using GXSupport::LeaveChild;
 using GXSupport::Pipe;
 
 constexpr int kShown = 0;
@@ -35,8 +34,6 @@ constexpr char kTimedOut = '?';   // it was ended for taking too long
 
 // A bus that accepts connections and answers nothing would hold dbus-send for ever.
 constexpr unsigned kLongestRun = 10;  // seconds, more than dbus-send waits for the reply
-
-constexpr int kMostClosedFds = 65536;  // by the loop that stands in for close_range
 
 // What the forked child works on, all of it made before the fork.
 struct Launch {
@@ -62,13 +59,6 @@ struct ReapedChild {
 // The functions from here to Detach() run in the forked child: only plain calls on values prepared
 // before the fork.
 
-void CloseRange(int first, int last) {
-#ifdef SYS_close_range
-  if (first <= last && syscall(SYS_close_range, first, last, 0) == 0) return;
-#endif
-  for (int fd = first; fd <= std::min(last, kMostClosedFds - 1); ++fd) (void)close(fd);
-}
-
 // Leaves the standard descriptors of the program and the report open and nothing else. The child
 // may live for seconds: what it held of the client would stay open as long.
 bool TakeDescriptors(const Launch& launch) {
@@ -92,7 +82,7 @@ void TakeSignals() {
 }
 
 [[noreturn]] void Leave(const Launch& launch, char report) {
-  _exit(write(launch.report, &report, 1) == 1 ? 0 : 1);
+  LeaveChild(write(launch.report, &report, 1) == 1 ? 0 : 1);
 }
 
 [[noreturn]] void Exec(const Launch& launch) {
@@ -127,7 +117,7 @@ void TakeSignals() {
   const pid_t program = fork();
   if (program < 0) Leave(launch, kFailed);
   if (program == 0) Exec(launch);
-  _exit(0);
+  LeaveChild(0);
 }
 
 // Back in the parent.
