@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the project needs and this machine lacks, and says what it does.
-# usage: scripts/setup.sh [build|check|bench]...   (build: compile and test; the default)
+# usage: scripts/setup.sh [build|check|bench|fuzz]...   (build: compile and test; the default)
 # Debian and Ubuntu: apt, with sudo when not root. macOS: brew.
 set -euo pipefail
 
@@ -9,6 +9,7 @@ debian_packages() {
     build) echo g++ cmake make pkg-config libcli11-dev libgtest-dev nettle-dev ;;
     check) echo clang clang-format clang-tidy ;;
     bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
+    fuzz) echo clang libclang-rt-dev ;;
     *) return 1 ;;
   esac
 }
@@ -18,6 +19,7 @@ brew_packages() {
     build) echo cmake pkg-config cli11 googletest gettext nettle ;;
     check) echo llvm ;;
     bench) echo google-benchmark abseil glib openssl ;;
+    fuzz) echo llvm ;;
     *) return 1 ;;
   esac
 }

@@ -1,0 +1,21 @@
+// Input: the command line.
+
+#include "fuzz.h"
+
+// The grammar a step at a time: each erases what it consumes.
+void Check(std::string input) {
+  const Strings arguments = GXUtils::SplitCommandLine(input);
+  Strings expected;
+  for (std::size_t end = 0; end != std::string::npos; input.erase(0, end + 1)) {
+    const bool quoted = input[0] == '"';
+    const std::size_t quote = quoted ? input.find('"', 1) : std::string::npos;
+    end = input.find(' ');
+    if (quote != std::string::npos) {
+      expected.push_back(input.substr(1, quote - 1));
+      end = quote;
+    } else if (!quoted && end != 0 && !input.empty()) {
+      expected.push_back(input.substr(0, end));
+    }
+  }
+  assert(arguments == expected);
+}

@@ -1,0 +1,55 @@
+// Input: the separator, then a text to decode; its bars cut it into elements to encode.
+
+#include <utility>
+
+#include "fuzz.h"
+
+namespace {
+
+using List = std::list<std::string>;
+
+const std::string kBlanks = " \f\n\r\t\v";
+
+// A byte at a time. Returns what is logged: nothing for a text that can be read.
+std::string Decode(const std::string& text, char separator, List& elements) {
+  if (Trimmed(text, kBlanks).empty()) return {};
+  std::string element;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool escaped = text[i] == '\\';
+    if (escaped && ++i == text.size()) return "4 DecodeStringList: Trailing slash";
+    const bool isSeparator = text[i] == separator;
+    if (escaped && text[i] != '\\' && !isSeparator)
+      return "4 DecodeStringList: Bad escape sequence";
+    if (escaped || !isSeparator) element += text[i];
+    if (!escaped && isSeparator) elements.push_back(Trimmed(std::exchange(element, {}), kBlanks));
+  }
+  elements.push_back(Trimmed(element, kBlanks));
+  return {};
+}
+
+List CheckDecode(const std::string& text, char separator) {
+  List expected;
+  List decoded = {"old"};
+  const std::string line = Decode(text, separator, expected);
+  logged.clear();
+  assert(GXUtils::DecodeStringList(text, &decoded, separator) == line.empty());
+  assert(decoded == expected && logged == line);
+  return decoded;
+}
+
+}  // namespace
+
+void Check(std::string input) {
+  const char separator = input.c_str()[0];
+  input.erase(0, 1);
+  (void)CheckDecode(input, separator);
+  if (separator == '\\') return;  // which the format cannot have
+
+  // What was encoded comes back trimmed, except that a blank text is no element at all.
+  const Strings fields = Split(input, '|');
+  List elements(fields.begin(), fields.end());
+  const std::string text = GXUtils::EncodeStringList(elements, separator);
+  for (std::string& element : elements) element = Trimmed(element, kBlanks);
+  if (Trimmed(text, kBlanks).empty()) elements.clear();
+  assert(CheckDecode(text, separator) == elements);
+}

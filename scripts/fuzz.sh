@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets, installing first what that needs, and runs each for a while from a copy of
+# its corpus. Says for each what was run and found; an input that was found is kept, and the exit
+# status is 1 then.
+# usage: scripts/fuzz.sh SECONDS [TARGET]...
+set -euo pipefail
+here=$(dirname "$0")
+seconds=${1:?how many seconds for each target?}
+shift
+
+"$here/setup.sh" build fuzz
+"$here/build.sh" fuzz
+cd "$here/.."
+[ $# -gt 0 ] || { set -- fuzz/corpus/*; set -- "${@##*/}"; }
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir -p build/fuzz/findings
+
+status=0
+for target in "$@"; do
+  cp -r "fuzz/corpus/$target" "$work/$target"
+  result=0
+  "build/fuzz/fuzz/${target}_fuzz" -max_total_time="$seconds" -max_len=512 -timeout=10 \
+    -print_final_stats=1 -artifact_prefix="build/fuzz/findings/$target-" "$work/$target" \
+    >"$work/log" 2>&1 || result=$?
+  executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$work/log")
+  findings=$(sed -n 's/.*Test unit written to //p' "$work/log")
+  echo "$target: ${executions:-0} executions, $(grep -c . <<<"$findings" || true) new findings"
+  [ "$result" = 0 ] && continue
+  status=1
+  tail -n 40 "$work/log" >&2
+  echo "fuzz.sh: $target failed${findings:+ with $findings}" >&2
+done
+exit "$status"
