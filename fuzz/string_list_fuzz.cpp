@@ -49,7 +49,13 @@ void Check(std::string input) {
   const Strings fields = Split(input, '|');
   List elements(fields.begin(), fields.end());
   const std::string text = GXUtils::EncodeStringList(elements, separator);
-  for (std::string& element : elements) element = Trimmed(element, kBlanks);
+  const std::size_t joiner = separator == ',' || separator == '\0' ? 2 : 1;
+  std::size_t size = (elements.size() - 1) * joiner;
+  for (std::string& element : elements) {
+    for (const char byte : element) size += byte == separator || byte == '\\' ? 2 : 1;
+    element = Trimmed(element, kBlanks);
+  }
+  assert(text.size() == size);
   if (Trimmed(text, kBlanks).empty()) elements.clear();
   assert(CheckDecode(text, separator) == elements);
 }
