@@ -1,3 +1,18 @@
+# gxclient_harden_target(TARGET): checks at run time that stop the process where memory is overrun.
+function(gxclient_harden_target target)
+  target_compile_options(${target} PRIVATE -fstack-protector-strong)
+  # The C library's checked calls need the optimiser, and the sanitizers do not see through them.
+  # Some compilers define the macro by themselves.
+  if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+    set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+    target_compile_options(${target} PRIVATE
+      $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=2>)
+  endif()
+  if(NOT APPLE)
+    target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now)
+  endif()
+endfunction()
+
 # gxclient_configure_target(TARGET): what every target of this project is compiled with. All of it is
 # private to the target: a client keeps its own flags.
 function(gxclient_configure_target target)
@@ -16,4 +31,7 @@ function(gxclient_configure_target target)
   endif()
   # Out-of-range indexes stop the process in every build type.
   target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+  if(GXCLIENT_HARDENING)
+    gxclient_harden_target(${target})
+  endif()
 endfunction()

@@ -189,7 +189,7 @@ TEST(ShowInFileManager, ReachesAFileManager) {
     if (!there) break;
     std::ofstream(directory.Path(kName + end)) << "";
     EXPECT_EQ(osxShowInFileManager(directory.Path(kName + end)), end.empty() ? 0 : 3);
-    (void)std::fgets(line, sizeof line, service);
+    EXPECT_NE(std::fgets(line, sizeof line, service), nullptr);
     EXPECT_EQ(line, "(['file://" + directory.Path(kEscapedName + end) + "'], '')\n");
   }
   pclose(service);
