@@ -35,3 +35,19 @@ function(gxclient_configure_target target)
     gxclient_harden_target(${target})
   endif()
 endfunction()
+
+# gxclient_set_install_rpath(TARGET DIRECTORY): what is installed in DIRECTORY finds the project's
+# shared libraries, also after the tree was moved. Nothing is set where the loader looks anyway.
+function(gxclient_set_install_rpath target directory)
+  if(NOT BUILD_SHARED_LIBS
+      OR CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
+    return()
+  endif()
+  set(origin "\$ORIGIN")
+  if(APPLE)
+    set(origin @loader_path)
+  endif()
+  cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${directory}
+    OUTPUT_VARIABLE path)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH ${origin}/${path})
+endfunction()

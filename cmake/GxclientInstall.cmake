@@ -1,0 +1,36 @@
+# What lets a client find the installed libraries: the CMake package and the pkg-config file.
+include(CMakePackageConfigHelpers)
+gxclient_set_install_rpath(gxclient_util ${CMAKE_INSTALL_FULL_LIBDIR})
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/gxclient)
+
+install(TARGETS gxclient_util gxclient_support EXPORT gxclientTargets
+  ARCHIVE COMPONENT dev
+  LIBRARY COMPONENT dev
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/gxclient)
+install(EXPORT gxclientTargets NAMESPACE gxclient:: DESTINATION ${package_dir} COMPONENT dev)
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/gxclientConfig.cmake.in gxclientConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(gxclientConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(
+  FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/gxclientConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/gxclientConfigVersion.cmake
+  DESTINATION ${package_dir} COMPONENT dev)
+
+# The paths in the .pc file count from its own place, so that the installed tree can be moved.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+  BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE pc_prefix)
+string(PREPEND pc_prefix "\${pcfiledir}/")
+cmake_path(APPEND pc_libdir "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+cmake_path(APPEND pc_includedir "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR} gxclient)
+set(pc_private_libraries)
+foreach(library Iconv Intl)  # in the C library itself, or libraries of their own
+  if(NOT ${library}_IS_BUILT_IN)
+    cmake_path(GET ${library}_LIBRARY PARENT_PATH directory)
+    string(TOLOWER ${library} name)
+    string(APPEND pc_private_libraries " -L${directory} -l${name}")
+  endif()
+endforeach()
+configure_file(${CMAKE_CURRENT_LIST_DIR}/gxclient.pc.in gxclient.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/gxclient.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
