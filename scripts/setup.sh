@@ -6,7 +6,7 @@ set -euo pipefail
 
 debian_packages() {
   case $1 in
-    build) echo g++ cmake make pkg-config libcli11-dev libgtest-dev nettle-dev ;;
+    build) echo g++ cmake make pkg-config gettext libcli11-dev libgtest-dev nettle-dev ;;
     check) echo clang clang-format clang-tidy ;;
     bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
     fuzz) echo clang libclang-rt-dev ;;

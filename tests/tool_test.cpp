@@ -75,6 +75,7 @@ TEST(Gxutil, Commands) {
       {"compare-hex-strings 0xff FE", "1\n"},
   };
   const ScopedEnv locale("LC_ALL", "C.UTF-8");
+  const ScopedEnv language("LANGUAGE", nullptr);
   const ScopedEnv home("HOME", "/no/such");
   const ScopedEnv user("LOGNAME", "ann");
   for (const auto& c : cases) {

@@ -3,11 +3,15 @@
 
 #include "gxutil.h"
 
+#include <libintl.h>
+
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <stdexcept>
+#include <system_error>
 
 using namespace std::string_literals;
 
@@ -40,6 +44,17 @@ std::string ReadStandardInput() {
   }
   if (std::ferror(stdin) != 0) throw std::runtime_error("the standard input cannot be read");
   return text;
+}
+
+// Shows the module's messages in the user's language. The catalogues are where the installation
+// puts them, seen from the program's own folder; the build folder is laid out the same way.
+void UseCatalogues() {
+  std::error_code error;
+  std::filesystem::path directory =
+      std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  if (error) directory = GXUTIL_BINDIR;  // no such link on macOS
+  (void)bindtextdomain("gxclient", (directory / GXUTIL_LOCALEDIR).c_str());
+  (void)textdomain("gxclient");
 }
 
 }  // namespace
@@ -153,6 +168,7 @@ int Run(std::vector<std::string> arguments) {
 int main(int argc, char** argv) {
   try {
     std::setlocale(LC_ALL, "");
+    gxutil::UseCatalogues();
     const int status = gxutil::Run({argv + 1, argv + argc});
     // Results that did not reach their reader are a failure, whatever the operation said.
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
