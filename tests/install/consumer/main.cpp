@@ -1,0 +1,29 @@
+// A client of the module. With OWN_COLLABORATORS it brings its own log and file manager, which
+// need not be shaped like the project's.
+#include "gxclient_util.h"
+
+#ifdef OWN_COLLABORATORS
+class Logfile {
+ public:
+  void Log(std::string message, int level);
+  std::string lines = "";
+};
+Logfile logfile;
+
+void Logfile::Log(std::string message, int level) { lines += std::to_string(level) + message; }
+int osxShowInFileManager(const std::string& path) { return path == "/no/such" ? 7 : -1; }
+
+bool CollaboratorsWereCalled(int shown) {
+  return shown == 7 && logfile.lines == "2Failed to start command no-such-program";
+}
+#else
+bool CollaboratorsWereCalled(int shown) { return shown == 1; }
+#endif
+
+int main() {
+  unsigned char digest[32];
+  GXUtils::SHA256Digest("abc", digest);
+  const bool failed = GXUtils::System("no-such-program") == -2;
+  const int shown = GXUtils::ShowInFileManager("/no/such");
+  return digest[0] == 0xba && failed && CollaboratorsWereCalled(shown) ? 0 : 1;
+}
