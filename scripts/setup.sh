@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the project needs and this machine lacks, and says what it does.
-# usage: scripts/setup.sh [build|check|bench|fuzz]...   (build: compile and test; the default)
+# usage: scripts/setup.sh [build|check|bench|fuzz|package]...   (default: build, to compile and test)
 # Debian and Ubuntu: apt, with sudo when not root. macOS: brew.
 set -euo pipefail
 
@@ -10,6 +10,7 @@ debian_packages() {
     check) echo clang clang-format clang-tidy ;;
     bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
     fuzz) echo clang libclang-rt-dev ;;
+    package) echo dpkg-dev file ;;
     *) return 1 ;;
   esac
 }
