@@ -31,6 +31,9 @@ function(gxclient_configure_target target)
   endif()
   # Out-of-range indexes stop the process in every build type.
   target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)  # files above 2 GiB exist there as well
+    target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
+  endif()
   if(GXCLIENT_HARDENING)
     gxclient_harden_target(${target})
   endif()

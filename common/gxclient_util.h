@@ -3,14 +3,13 @@
 ///
 /// What holds for all of them:
 /// - A byte string is a std::string without an encoding; a NUL byte in it is ordinary data, except
-///   where it becomes a path, a program name or an argument, which end at their first NUL byte.
-///   A parameter of type const char* is NUL-terminated and not null.
+///   where it becomes a path, a program name or an argument, which end at their first NUL byte. A
+///   parameter of type const char* is NUL-terminated and not null.
 /// - Pointers that return a result are optional unless the function says otherwise, and are written
 ///   only on the results that the function names.
 /// - Nothing is logged and nothing is thrown unless the function says so. Exceptions of the
-/// standard
-///   library (memory exhausted, above all) and of the client's log pass through; nothing that the
-///   call opened or started stays behind then.
+///   standard library (memory exhausted, above all) and of the client's log pass through; nothing
+///   that the call opened or started stays behind then.
 /// - Three functions touch state of the whole process and are called from one thread at a time:
 ///   System() changes the action for SIGCHLD while it runs; calcHomeDir() and calcRunningUser()
 ///   read the environment and the password database. All others may run on any thread at any time,
@@ -53,8 +52,8 @@ std::vector<std::string> SplitCommandLine(std::string commandLine);
 /// @return 0: the program exited with a status other than 127 and 128.
 ///         -1: the run failed: the program was ended by a signal, the wait failed or was
 ///         interrupted (the program is then left unreaped), or one of the system calls below
-///         failed. -2: the program could not be executed (status 128), or it exited with status 127
-///         or 128.
+///         failed.
+///         -2: the program could not be executed (status 128), or it exited with status 127 or 128.
 ///
 /// Logs one line with level 2 when the result is -2: "Failed to start command " and the program for
 /// status 128, "Command ", the program and " not found" for 127. Writes one line to the standard
@@ -70,7 +69,7 @@ int System(const char* const* argv, std::string* output = nullptr, int* exitCode
 /// command without any argument, such as one of spaces only, counts as the program name "".
 ///
 /// @throws GXException code 6, with the translation of "Empty command", when `command` has length
-/// 0.
+///         0.
 int System(std::string command, std::string* output = nullptr, int* exitCode = nullptr);
 
 /// Closes the descriptors from `firstFd` to 1023, except `keepFd`. Descriptors that are not open
@@ -82,29 +81,28 @@ void CloseAllFds(int firstFd, int keepFd);
 ///
 /// `argv` and what the program inherits are as with System(): it is found along PATH, shares the
 /// caller's standard input and, without the out-pointers, standard output and error. Where
-/// `stdoutFd`
-/// (`stderrFd`) is given, its standard output (error) goes into a new pipe. The call blocks only
-/// until the program has been executed or has failed to. It leaves the action for SIGCHLD alone and
-/// may run on any thread.
+/// `stdoutFd` (`stderrFd`) is given, its standard output (error) goes into a new pipe. The call
+/// blocks only until the program has been executed or has failed to. It leaves the action for
+/// SIGCHLD alone and may run on any thread.
 ///
 /// @return the process id: a child of the caller, who waits for it and closes the read ends stored
-/// in
-///         the out-pointers. These are ordinary blocking descriptors, not close-on-exec.
+///         in the out-pointers. These are ordinary blocking descriptors, not close-on-exec.
 ///         -1: nothing was started: a pipe could not be made, or fork failed.
 ///         -2: the program could not be executed, or this could not be learnt because the read that
-///         waits for it failed or was interrupted by a signal (it is not retried; the program may
-///         then be running and is left to itself). After a failed exec the child has been waited
-///         for. The out-pointers are written on success only.
+///         waits for it failed or was interrupted by a signal. It is not retried, and the program
+///         may then be running, left to itself: signal handlers are best installed with SA_RESTART.
+///         After a failed exec the child has been waited for.
+///         The out-pointers are written on success only.
 ///
-/// Nothing is logged. A child whose exec failed writes the text of the error and a newline to its
-/// standard error, through std::cerr: the pipe for `stderrFd`, which is closed and lost with the
-/// result -2, or else the caller's own standard error.
+/// Nothing is logged. A child whose exec failed has a second in which it writes the text of the
+/// error and a newline to its standard error, through std::cerr: the pipe for `stderrFd`, which is
+/// closed and lost with the result -2, or else the caller's own standard error.
 int SystemNowait(const char* const* argv, int* stdoutFd = nullptr, int* stderrFd = nullptr);
 
 /// The same for a command line, cut as by System().
 ///
 /// @throws GXException code 11, with the translation of "Empty command", when `command` has length
-/// 0.
+///         0.
 int SystemNowait(std::string command, int* stdoutFd = nullptr, int* stderrFd = nullptr);
 
 /// @return whether stat() succeeds on `path`: a file of any kind exists there and can be reached. A
@@ -156,7 +154,8 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
 ///
 /// @param pending the unfinished line, kept by the caller between the calls and empty at first. Not
 ///        null. What is left in it at the end of the text is a last line without a line end. Each
-///        call looks through it once for line ends that the caller may have put there.
+///        call looks through it once for line ends that the caller may have put there, so a line
+///        that arrives in very many pieces costs time in the square of their number.
 /// @return the lines completed by `chunk`, without their line ends.
 std::vector<std::string> StringLines(const char* chunk, std::string* pending);
 
@@ -171,13 +170,13 @@ std::string LongToString(long value);
 /// which the format cannot have, the text is built the same way and cannot be read back.
 std::string EncodeStringList(const std::list<std::string>& elements, char separator);
 
-/// Reads back what EncodeStringList() wrote. `*output` is cleared first. Elements lose white space
-/// (" \f\n\r\t\v") at both ends, also where it was escaped; a blank text is the empty list. With
-/// the backslash as separator, every backslash is read as an escape.
+/// Reads back what EncodeStringList() wrote. `*output` is cleared first; `text` is not one of its
+/// elements. Elements lose white space (" \\f\\n\\r\\t\\v") at both ends, also where it was escaped; a
+/// blank text is the empty list. With the backslash as separator, every backslash is read as an
+/// escape.
 ///
 /// @return false after a backslash that escapes neither a backslash nor the separator, or that ends
-/// the
-///         text: one line is logged with level 4 ("DecodeStringList: Bad escape sequence" or
+///         the text: one line is logged with level 4 ("DecodeStringList: Bad escape sequence" or
 ///         "DecodeStringList: Trailing slash") and `*output` keeps the elements that a separator
 ///         had closed. A null `output` is a programming error and stops the process in every build.
 bool DecodeStringList(const std::string& text, std::list<std::string>* output, char separator);
@@ -187,7 +186,7 @@ bool DecodeStringList(const std::string& text, std::list<std::string>* output, c
 /// "00" and the empty one included.
 ///
 /// @return below, equal to or above 0, as the first is lower, equal or higher; only the sign
-/// counts.
+///         counts.
 int CompareVersions(const char* first, const char* second);
 
 /// Compares two hexadecimal numbers of any length. A leading "0x" (not "0X") and zeros do not
@@ -222,15 +221,16 @@ int CompareHexStrings(const char* first, const char* second);
 /// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
 /// at most `outlen` - 1 bytes of the input are then looked at.
 ///
+/// Targets with a shift state (UTF-7, ISO-2022-JP and the like) lose what a final flush would write.
+///
 /// Every problem is a line logged with level 2, and what was converted so far stays in the buffer:
 /// - "iconv: Insufficient space": the text does not fit
 /// - "iconv: Bad input data": invalid or incomplete input, or something dropped
 /// - "iconv: Non-reversible conversion performed": characters were replaced by similar ones
-/// - "iconv: Unable to convert from X to Y": an encoding is not known
+/// - "iconv: Unable to convert from X to Y": an encoding is not known, or iconv cannot load it now
 /// - "iconv: Using ASCII truncation fallback": after the line above, where that is what happens
 ///
-/// @throws std::logic_error when a name is null, before the buffer is touched: from std::string,
-///         where the standard library looks for that.
+/// @throws std::logic_error when a name is null, before the buffer is touched.
 void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
                unsigned long outlen);
 
@@ -305,23 +305,21 @@ void SHA256Digest(const std::string& data, unsigned char* digest);
 /// Makes sure that something exists at `path`, a directory by default: what is missing is made with
 /// mode 0755 less the umask. Anything that exists there counts, a file included.
 ///
-/// @param path absolute. With `recursive`, what stands before the first "/" of a relative path is
-/// ignored
-///        and the rest hangs on the root directory.
+/// @param path absolute. With `recursive`, a relative path hangs on the root directory: what stands
+///        before its first "/" is dropped, and a path without one is kept whole.
 /// @param recursive makes every missing directory above `path` as well, from the root on.
 /// @return false when a directory could not be made, with errno of that mkdir(); the ones made
-/// before stay.
-///         So it is when another process makes the same directory at the same moment.
+///         before stay. So it is when another process makes the same directory at the same moment.
 bool CheckCreateDir(std::string path, bool recursive);
 
 /// Creates an empty file with a new name in /tmp: "/tmp/", `name` and six characters, mode 0600.
 ///
-/// A `name` of more than 500 bytes is refused. One with "/" in it names a file in a folder below
-/// /tmp, which has to exist.
+/// A `name` of more than 500 bytes is refused: the template is cut to 511 bytes, and what is left
+/// has to end in "XXXXXX". One with "/" in it names a file in a folder below /tmp, which has to
+/// exist.
 ///
 /// @param fd receives the descriptor, open for reading and writing and not close-on-exec, which is
-/// the
-///        caller's from then on; -1 on failure. Null: the file is closed.
+///        the caller's from then on; -1 on failure. Null: the file is closed.
 /// @return the path; the empty string on failure.
 std::string GenerateTempFile(std::string name, int* fd);
 
@@ -334,8 +332,7 @@ int UnlinkOrTruncate(const char* path);
 std::string winGetTempDir();
 
 /// The home directory: the value of HOME as it is, the empty string when it is not set. Only where
-/// HOME is
-/// "/", it is the one that the password database has for `user` (a name in UTF-8, as
+/// HOME is "/", it is the one that the password database has for `user` (a name in UTF-8, as
 /// calcRunningUser() gives it), or "/root" for an unknown user.
 ///
 /// Each call makes the per-user directory ".gannorex" in it where it is missing, mode 0755 less the
@@ -351,15 +348,14 @@ std::string calcHomeDir(std::string user);
 std::string calcRunningUser();
 
 /// @return `path` when it begins with "/", otherwise `gxclient_prefix` + "/" + `path`. The prefix
-/// is read
-///         without a lock.
+///         is read without a lock.
 std::string AddPathPrefix(std::string path);
 
 /// Asks the desktop's file manager to show a file or directory, through the client's
 /// osxShowInFileManager(), which is called on every platform.
 ///
 /// @return its status, unchanged: 0 when the file is shown; support/osx_show_in_file_manager.h
-/// lists the rest.
+///         lists the rest.
 int ShowInFileManager(const std::string& path);
 
 /// A rough figure for the speed of the host: the sum of the integer parts of the "bogomips" lines
@@ -375,14 +371,14 @@ int GetBogoMips();
 
 struct Exportdata;
 
-/// Reads an option that lists NFS exports: path "," mode, and further pairs after one more ","
-/// each. The mode is "ro", "rw" or "disabled". Commas inside a field are escaped as Parser has it:
-/// "\\," and "\\\\".
+/// Reads an option that lists NFS exports: path "," mode, and further pairs after one more "," each.
+/// The mode is "ro", "rw" or "disabled". Inside a field, "\," stands for a comma and "\\" for a
+/// backslash.
 ///
 /// @param exports is emptied first; the records it pointed to are not deleted. Receives one record
-/// a pair, in
-///        order, valid or not; they are made with new and the caller's to delete. A pair without a
-///        mode or with another word has access 0. A path that is empty has access 0, whatever
-///        follows it. After an exception the records made before it are in it.
+///        a pair, in order, valid or not; they are made with new and the caller's to delete. A pair
+///        without a mode or with another word has access 0. An empty path makes a record with
+///        access 0 and has no mode: what follows its comma is the next path. After an exception the
+///        records made before it are in the vector.
 /// @return 1 when every pair was valid (an empty path does not count against it), otherwise 0.
 int parse_nfs_export_option(std::string option, std::vector<Exportdata*>& exports);

@@ -23,6 +23,7 @@ constexpr std::size_t kIconvFailed = static_cast<std::size_t>(-1);
 // An encoding's name as iconv gets it: the 16-bit encodings are read and written in little-endian
 // order, without a byte order mark.
 std::string Normalised(const char* name) {
+  if (name == nullptr) throw std::logic_error("an encoding's name is null");
   std::string normalised = name;
   if (normalised == "UTF-16"sv || normalised == "UCS-2"sv) normalised += "LE";
   return normalised;

@@ -83,8 +83,8 @@ int SumBogoMips(std::FILE* stream) {
   constexpr char kKey[] = "bogomips";
   int sum = 0;
   bool found = false;
-  char
-      line[256];  // a longer line counts as pieces of 255 bytes, each a line of its own, on purpose
+  // A longer line counts as pieces of 255 bytes, each a line of its own, on purpose.
+  char line[256];
   while (std::feof(stream) == 0 && std::ferror(stream) == 0 &&
          std::fgets(line, sizeof line, stream) != nullptr) {
     if (std::strncmp(line, kKey, sizeof kKey - 1) != 0) continue;

@@ -29,6 +29,7 @@ using GXSupport::CloseRange;
 using GXSupport::kFirstInheritedFd;
 using GXSupport::LeaveChild;
 using GXSupport::Pipe;
+using GXSupport::Reap;
 using GXSupport::UniqueFd;
 
 constexpr int kRunFailed = -1;
@@ -75,12 +76,6 @@ class DefaultSigchld {
   struct sigaction saved_ {};
   bool installed_ = false;
 };
-
-// Waits for a child to its end, whatever interrupts. That somebody else has reaped it is fine.
-void Reap(pid_t pid) {
-  while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
-  }
-}
 
 // Owns a child that has to be waited for. The destructor reaps it where Wait() was not reached.
 class Child {
@@ -144,6 +139,17 @@ struct DetachedPipes {
   Pipe error;
 };
 
+// Ends the calling child in a second. The caller waits for it, and what stands behind std::cerr may
+// be a full pipe that the caller itself reads, or a buffer whose lock another thread held.
+void LimitLifetime() {
+  (void)std::signal(SIGALRM, SIG_DFL);
+  sigset_t timeout;
+  sigemptyset(&timeout);
+  sigaddset(&timeout, SIGALRM);
+  (void)sigprocmask(SIG_UNBLOCK, &timeout, nullptr);
+  (void)alarm(1);
+}
+
 // Runs in the forked child. Only plain calls on values prepared before the fork, but for the error
 // text, which goes through std::cerr; the C library makes its streams usable again in a child.
 [[noreturn]] void ExecDetached(const char* const* argv, DetachedPipes& pipes,
@@ -157,9 +163,13 @@ struct DetachedPipes {
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   const int error = errno;
   (void)!write(pipes.status.writeEnd.Get(), "e", 1);
-  // What the client had buffered in std::cout is the client's to write, and nothing may throw here.
+  LimitLifetime();
+  // What the client had buffered in std::cout is the client's to write, nothing may throw here, and
+  // what the client has set on the stream does not touch this text.
   std::cerr.tie(nullptr);
   std::cerr.exceptions(std::ios::goodbit);
+  std::cerr.clear();
+  (void)std::cerr.width(0);
   std::cerr << errorTexts.Find(error) << std::endl;
   LeaveChild(kDetachedExecFailedStatus);
 }

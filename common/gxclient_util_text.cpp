@@ -174,8 +174,13 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
 std::vector<std::string> StringLines(const char* chunk, std::string* pending) {
   const std::string_view added = chunk;
   std::vector<std::string> lines;
+  const bool ownLineEnds = pending->find('\n') != std::string::npos;  // a caller's own tail
+  if (!ownLineEnds && added.find('\n') == std::string_view::npos) {
+    pending->append(added);
+    return lines;
+  }
   lines.reserve(static_cast<std::size_t>(std::count(added.begin(), added.end(), '\n')));
-  if (pending->find('\n') != std::string::npos) {  // only a caller's own tail holds line ends
+  if (ownLineEnds) {
     const std::string tail = std::exchange(*pending, std::string());
     CutLines(tail, *pending, lines);
   }

@@ -104,7 +104,7 @@ TEST(Transcode, FillsTheBufferAndReportsEveryProblem) {
     for (const std::string& line : c.log) lines.emplace_back(2, line);
     EXPECT_EQ(log.lines, lines);
   }
-  EXPECT_THROW(Transcode(nullptr, "UTF-8", "a"), std::logic_error);
+  EXPECT_THROW(Transcode("UTF-8", nullptr, "a"), std::logic_error);
 }
 
 TEST(Transcode, StringFormEndsAtTheFirstZeroByte) {
@@ -114,7 +114,9 @@ TEST(Transcode, StringFormEndsAtTheFirstZeroByte) {
   EXPECT_EQ(Transcode("UTF-8", "UCS-2", "ab"), "a");
   EXPECT_EQ(Transcode("UTF-8", "UTF-8", ""), "");
   EXPECT_TRUE(log.lines.empty());
-  // Eight bytes a character and one more: the conversion fills the scratch buffer to its end.
+  // These fill the scratch buffer of four bytes a byte and eight more, or nearly so.
+  EXPECT_EQ(Transcode("TSCII", "UTF-16", "\x82\x82").size(), 16U);
+  EXPECT_EQ(Transcode("ISO-8859-1", "GB18030", std::string(9, '\xC0')).size(), 36U);
   EXPECT_EQ(Transcode("no-such", "UTF-8", "a"), "");
   Failing first("iconv_open", 1, EINVAL);
   Failing second("iconv_open", 2, EINVAL);
@@ -177,6 +179,7 @@ TEST(ToLower, LongTextWithADroppedCharacterIsCut) {
   const std::string text = "\xF0\x9F\x98\x80" + std::string(20000, 'A');
   const std::string lowered = ToLower(text);
   EXPECT_EQ(lowered, std::string(lowered.size(), 'a'));
+  EXPECT_TRUE(!lowered.empty() && lowered.size() < 20000);
   EXPECT_EQ(log.lines, (CapturedLog::Lines{{2, kBad}}));
 }
 

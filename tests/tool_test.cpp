@@ -66,7 +66,7 @@ TEST(Gxutil, Commands) {
       {"win-get-temp-dir", "\n"},
       {"add-path-prefix -p /opt/app lib/x", "/opt/app/lib/x\n"},
       {"show-in-file-manager /no/such", "gxutil: status 1\n", 1},
-      {"home-dir", "/no/such\n"},
+      {"home-dir", "/dev/null/x\n"},
       {"running-user", "ann\n"},
       {"bogo-mips | tr 0-9 9 | tr -s 9", "9\n"},
       {"nfs-exports '/home/ann,rw,/media/usb,ro'", "2 /home/ann\n1 /media/usb\n"},
@@ -76,7 +76,7 @@ TEST(Gxutil, Commands) {
   };
   const ScopedEnv locale("LC_ALL", "C.UTF-8");
   const ScopedEnv language("LANGUAGE", nullptr);
-  const ScopedEnv home("HOME", "/no/such");
+  const ScopedEnv home("HOME", "/dev/null/x");
   const ScopedEnv user("LOGNAME", "ann");
   for (const auto& c : cases) {
     SCOPED_TRACE(c.arguments);

@@ -1,14 +1,17 @@
 /// @file
-/// Private to the two libraries and not installed: what runs in forked children, before an exec.
-/// Plain calls only, as another thread may have held any lock at the moment of the fork.
+/// Private to the two libraries and not installed: what their forked children share. What a child
+/// calls makes plain system calls only, as another thread may have held any lock at the fork.
 #pragma once
 
 #ifdef __linux__
 #include <sys/syscall.h>
 #endif
+#include <sys/types.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 
 #ifdef GXCLIENT_COVERAGE
 extern "C" void __gcov_dump();
@@ -16,8 +19,8 @@ extern "C" void __gcov_dump();
 
 namespace GXSupport {
 
-// Closes the descriptors from `first` to `last`: with one call, or where the system does not know it
-// or refuses it with a loop, which gives up at a number that no ordinary limit reaches.
+// Closes the descriptors from `first` to `last`: with one call, or where the system does not know
+// it or refuses it with a loop, which gives up at a number that no ordinary limit reaches.
 inline void CloseRange(int first, int last) {
   constexpr int kEndOfLoop = 65536;
   if (first > last) return;
@@ -33,6 +36,13 @@ inline void CloseRange(int first, int last) {
   __gcov_dump();
 #endif
   _exit(status);
+}
+
+// In the parent: waits for a child to its end, whatever interrupts. That somebody else has reaped
+// it is fine.
+inline void Reap(pid_t pid) {
+  while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+  }
 }
 
 }  // namespace GXSupport

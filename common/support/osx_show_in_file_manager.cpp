@@ -50,9 +50,7 @@ struct ReapedChild {
   ReapedChild(const ReapedChild&) = delete;
   ReapedChild& operator=(const ReapedChild&) = delete;
   ~ReapedChild() {
-    if (pid <= 0) return;
-    while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
-    }
+    if (pid > 0) GXSupport::Reap(pid);
   }
 };
 

@@ -19,6 +19,7 @@ Failing* armed = nullptr;
 }  // namespace
 
 passwd* fakePasswd = nullptr;
+std::string lookedUp;
 std::FILE* fakeFile = nullptr;
 
 Failing::Failing(const char* call, int nth, int error)
@@ -56,7 +57,7 @@ WRAP(int, sigaction, (int signal, const struct sigaction* action, struct sigacti
 WRAP(iconv_t, iconv_open, (const char* to, const char* from), (to, from), iconv_t(-1))
 WRAP(pid_t, waitpid, (pid_t pid, int* status, int options), (pid, status, options), -1)
 WRAP(int, mkdir, (const char* path, mode_t mode), (path, mode), -1)
-WRAP(passwd*, getpwnam, (const char* name), (name), fakePasswd)
+WRAP(passwd*, getpwnam, (const char* name), (name), (lookedUp = name, fakePasswd))
 WRAP(passwd*, getpwuid, (uid_t user), (user), fakePasswd)
 WRAP(std::FILE*, fopen, (const char* path, const char* mode), (path, mode), fakeFile)
 // With the error 0 the call succeeds, leaves all its input and counts two replaced characters.

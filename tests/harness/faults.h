@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 struct passwd;
 
@@ -27,4 +28,5 @@ class Failing {
 
 /// What an armed call of getpwnam(), getpwuid() or fopen() gives; null unless set.
 extern passwd* fakePasswd;
+extern std::string lookedUp;  // the name given to getpwnam()
 extern std::FILE* fakeFile;
