@@ -3,10 +3,10 @@
 /// same run and in random order, so that a noisy machine disturbs both alike.
 #pragma once
 
-#include <benchmark/benchmark.h>
-
 #include <string>
 #include <utility>
+
+#include <benchmark/benchmark.h>
 
 namespace bench {
 

@@ -1,8 +1,3 @@
-#include <nettle/base16.h>
-#include <nettle/base64.h>
-#include <nettle/sha2.h>
-#include <nettle/version.h>
-
 #include <array>
 #include <cstdlib>
 #include <iterator>
@@ -11,6 +6,11 @@
 #include <random>
 #include <string>
 #include <vector>
+
+#include <nettle/base16.h>
+#include <nettle/base64.h>
+#include <nettle/sha2.h>
+#include <nettle/version.h>
 
 #include "bench.h"
 #include "gxclient_util.h"

@@ -1,10 +1,10 @@
-#include <iconv.h>
-
 #include <cstdlib>
 #include <cwctype>
 #include <string>
 #include <tuple>
 #include <vector>
+
+#include <iconv.h>
 
 #include "bench.h"
 #include "gxclient_util.h"

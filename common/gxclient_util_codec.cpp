@@ -1,5 +1,4 @@
-#include <nettle/sha2.h>
-#include <nettle/version.h>
+#include "gxclient_util.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "gxclient_util.h"
+#include <nettle/sha2.h>
+#include <nettle/version.h>
 
 namespace GXUtils {
 namespace {

@@ -1,4 +1,4 @@
-#include <iconv.h>
+#include "gxclient_util.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -10,7 +10,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "gxclient_util.h"
+#include <iconv.h>
+
 #include "support/logfile.h"
 
 using namespace std::string_view_literals;

@@ -1,6 +1,4 @@
-#include <pwd.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "gxclient_util.h"
 
 #include <algorithm>
 #include <climits>
@@ -12,7 +10,10 @@
 #include <memory>
 #include <utility>
 
-#include "gxclient_util.h"
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include "support/descriptor.h"
 #include "support/exportdata.h"
 #include "support/gxclient_prefix.h"

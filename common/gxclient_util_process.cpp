@@ -1,9 +1,4 @@
-#include <fcntl.h>
-#include <libintl.h>
-#include <sys/stat.h>
-#include <sys/types.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "gxclient_util.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,7 +10,13 @@
 #include <iterator>
 #include <utility>
 
-#include "gxclient_util.h"
+#include <fcntl.h>
+#include <libintl.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include "support/argvector.h"
 #include "support/child.h"
 #include "support/descriptor.h"

@@ -1,3 +1,5 @@
+#include "gxclient_util.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -5,7 +7,6 @@
 #include <string_view>
 #include <utility>
 
-#include "gxclient_util.h"
 #include "support/logfile.h"
 
 // The assertion below stays alive in every build type.

@@ -1,11 +1,11 @@
 // Input: a digit for each of source encoding, target encoding and locale, a byte for the size of
 // the output buffer, then a text.
 
-#include <iconv.h>
-
 #include <cerrno>
 #include <clocale>
 #include <cwctype>
+
+#include <iconv.h>
 
 #include "fuzz.h"
 

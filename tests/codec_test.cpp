@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <random>
 #include <string>
 #include <utility>
+
+#include <gtest/gtest.h>
 
 #include "gxclient_util.h"
 

@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <clocale>
 #include <deque>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "gxclient_util.h"
 #include "harness/capturedlog.h"

@@ -1,16 +1,6 @@
 // States of the process and the machine in which the module has to hold; docs/hostile-states.md
 // lists them all, with the tests of the other files.
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <cerrno>
 #include <clocale>
@@ -24,6 +14,16 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "gxclient_util.h"
 #include "harness/capturedlog.h"

@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <string>
 #include <thread>
 #include <tuple>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "support/argvector.h"
 #include "support/gxexception.h"

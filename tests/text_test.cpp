@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <list>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "gxclient_util.h"
 #include "harness/capturedlog.h"

@@ -3,8 +3,6 @@
 
 #include "gxutil.h"
 
-#include <libintl.h>
-
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
@@ -12,6 +10,8 @@
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
+
+#include <libintl.h>
 
 using namespace std::string_literals;
 

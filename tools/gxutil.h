@@ -7,10 +7,11 @@
 ///     });
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include <CLI/CLI.hpp>
 
 namespace gxutil {
 

@@ -3,15 +3,15 @@
 /// calls makes plain system calls only, as another thread may have held any lock at the fork.
 #pragma once
 
-#ifdef __linux__
-#include <sys/syscall.h>
-#endif
+#include <algorithm>
+#include <cerrno>
+
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
+#ifdef __linux__
+#include <sys/syscall.h>
+#endif
 
 #ifdef GXCLIENT_COVERAGE
 extern "C" void __gcov_dump();

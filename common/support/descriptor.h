@@ -2,10 +2,10 @@
 /// Private to the two libraries and not installed: owners of descriptors.
 #pragma once
 
+#include <utility>
+
 #include <fcntl.h>
 #include <unistd.h>
-
-#include <utility>
 
 namespace GXSupport {
 

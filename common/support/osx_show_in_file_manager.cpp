@@ -1,16 +1,16 @@
 #include "support/osx_show_in_file_manager.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/types.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "support/child.h"
 #include "support/descriptor.h"

@@ -1,16 +1,16 @@
 #include "harness/faults.h"
 
-#include <iconv.h>
-#include <pwd.h>
-#include <sys/stat.h>
-#include <sys/types.h>
-
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+
+#include <iconv.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/types.h>
 
 namespace {
 

@@ -1,16 +1,16 @@
 #include "harness/leakcheck.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <set>
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <set>
 
 namespace {
 
