@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the project needs and this machine lacks, and says what it does.
-# usage: scripts/setup.sh [build|check|bench|fuzz|package]...   (default: build, to compile and test)
+# usage: scripts/setup.sh [build|check|bench|coverage|fuzz|package]...   (default: build, to compile and test)
 # Debian and Ubuntu: apt, with sudo when not root. macOS: brew.
 set -euo pipefail
 
@@ -9,6 +9,7 @@ debian_packages() {
     build) echo g++ cmake make pkg-config gettext libcli11-dev libgtest-dev nettle-dev ;;
     check) echo clang clang-format clang-tidy ;;
     bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
+    coverage) echo gcovr ;;
     fuzz) echo clang libclang-rt-dev ;;
     package) echo dpkg-dev file ;;
     *) return 1 ;;
@@ -20,6 +21,7 @@ brew_packages() {
     build) echo cmake pkg-config cli11 googletest gettext nettle ;;
     check) echo llvm ;;
     bench) echo google-benchmark abseil glib openssl ;;
+    coverage) echo gcovr ;;
     fuzz) echo llvm ;;
     *) return 1 ;;
   esac

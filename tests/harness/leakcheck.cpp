@@ -12,6 +12,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "support/child.h"
+
 namespace {
 
 // A flag that the C library adds to every action it sets.
@@ -58,7 +60,7 @@ bool PassesInChild(const std::function<void()>& body) {
   if (pid == 0) {
     body();
     std::fflush(nullptr);
-    _exit(testing::Test::HasFailure() ? 1 : 0);
+    GXSupport::LeaveChild(testing::Test::HasFailure() ? 1 : 0);
   }
   int status = -1;
   while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
