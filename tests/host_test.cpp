@@ -74,6 +74,7 @@ TEST(GenerateTempFile, CreatesAPrivateFile) {
   const LeakCheck leaks;
   const TempDir folder;
   const std::string below = folder.Path().substr(sizeof "/tmp/" - 1) + "/";
+  const mode_t before = umask(0777);  // takes every bit that is not put back afterwards
   for (const bool wanted : {true, false}) {
     int fd = -2;
     const std::string path = GenerateTempFile(below + "abc", wanted ? &fd : nullptr);
@@ -86,6 +87,7 @@ TEST(GenerateTempFile, CreatesAPrivateFile) {
     }
     EXPECT_EQ(GXUtils::UnlinkOrTruncate(path.c_str()), 0);
   }
+  umask(before);
   // The longest name that leaves room for the six characters.
   const std::string two = std::string(180, 'd') + "/" + std::string(180, 'd');
   std::filesystem::create_directories(folder.Path(two));
