@@ -236,7 +236,7 @@ TEST(Hostile, AnyCallMayFailAndNothingStaysBehind) {
                              "iconv_open", "mkdir", "fopen", "getpwuid"}) {
       bool failed = true;
       for (int nth = 1; failed; ++nth) {
-        SCOPED_TRACE(std::to_string(function) + name + std::to_string(nth));
+        SCOPED_TRACE(testing::Message() << function << name << nth);
         const LeakCheck leaks;
         {
           Failing fault(name, nth, EINTR);
