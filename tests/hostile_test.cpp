@@ -266,7 +266,7 @@ TEST(Hostile, ThreadsDoNotDisturbEachOther) {
     threads.emplace_back([&, i] {
       const std::string mine(50, static_cast<char>('a' + i));
       while (!done) {
-        EXPECT_EQ(GXUtils::SplitString(mine + "," + mine, ',').size(), 2U);
+        EXPECT_EQ(GXUtils::SplitString("x," + mine, ',').back(), mine);
         EXPECT_EQ(GXUtils::Base64Decode(GXUtils::Base64Encode(mine)), mine);
         EXPECT_EQ(GXUtils::Transcode("UTF-8", "ISO-8859-1", mine), mine);
         EXPECT_EQ(GXUtils::ToLower(mine), mine);

@@ -12,14 +12,14 @@ namespace {
 std::string Transcript(const std::string& command) {
   std::string output;
   int exitCode = -1;
-  const char* argv[] = {"/bin/bash", "-c", command.c_str(), nullptr};
+  const std::string script = "PATH=" GXUTIL_FOLDER ":$PATH; " + command;
+  const char* argv[] = {"/bin/bash", "-c", script.c_str(), nullptr};
   GXUtils::System(argv, &output, &exitCode);
   if (!output.empty() && output.back() != '\n') output += " (no-eol)\n";
   return exitCode == 0 ? output : output + "[" + std::to_string(exitCode) + "]\n";
 }
 
 TEST(Gxutil, DoesWhatTheSessionSays) {
-  const ScopedEnv path("PATH", (GXUTIL_FOLDER ":" + std::string(std::getenv("PATH"))).c_str());
   const ScopedEnv locale("LC_ALL", "C.UTF-8");
   const ScopedEnv language("LANGUAGE", nullptr);
   std::ifstream session(GXUTIL_SESSION);
