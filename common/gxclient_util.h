@@ -171,9 +171,9 @@ std::string LongToString(long value);
 std::string EncodeStringList(const std::list<std::string>& elements, char separator);
 
 /// Reads back what EncodeStringList() wrote. `*output` is cleared first; `text` is not one of its
-/// elements. Elements lose white space (" \\f\\n\\r\\t\\v") at both ends, also where it was escaped; a
-/// blank text is the empty list. With the backslash as separator, every backslash is read as an
-/// escape.
+/// elements. Elements lose white space (" \\f\\n\\r\\t\\v") at both ends, also where it was
+/// escaped. A blank text is the empty list: a list of empty elements that a blank separator joins
+/// does not come back. With the backslash as separator, every backslash is read as an escape.
 ///
 /// @return false after a backslash that escapes neither a backslash nor the separator, or that ends
 ///         the text: one line is logged with level 4 ("DecodeStringList: Bad escape sequence" or
@@ -221,7 +221,8 @@ int CompareHexStrings(const char* first, const char* second);
 /// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
 /// at most `outlen` - 1 bytes of the input are then looked at.
 ///
-/// Targets with a shift state (UTF-7, ISO-2022-JP and the like) lose what a final flush would write.
+/// Targets with a shift state (UTF-7, ISO-2022-JP and the like) lose what a final flush would
+/// write.
 ///
 /// Every problem is a line logged with level 2, and what was converted so far stays in the buffer:
 /// - "iconv: Insufficient space": the text does not fit
@@ -371,9 +372,9 @@ int GetBogoMips();
 
 struct Exportdata;
 
-/// Reads an option that lists NFS exports: path "," mode, and further pairs after one more "," each.
-/// The mode is "ro", "rw" or "disabled". Inside a field, "\," stands for a comma and "\\" for a
-/// backslash.
+/// Reads an option that lists NFS exports: path "," mode, and further pairs after one more ","
+/// each. The mode is "ro", "rw" or "disabled". Inside a field, `\,` stands for a comma and `\\` for
+/// a backslash.
 ///
 /// @param exports is emptied first; the records it pointed to are not deleted. Receives one record
 ///        a pair, in order, valid or not; they are made with new and the caller's to delete. A pair
