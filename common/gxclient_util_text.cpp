@@ -105,6 +105,23 @@ std::size_t FindPattern(std::string_view text, std::string_view pattern, std::si
   return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
 }
 
+// Replaces from the first place `found` on, within the text: the result nowhere gets ahead of what
+// is still to be read, as `inserted` is not longer than `wanted`. Neither may be part of the text.
+void ReplaceInPlace(std::string& text, std::size_t found, std::string_view wanted,
+                    std::string_view inserted) {
+  std::size_t end = found;  // of the result
+  while (found != std::string::npos) {
+    std::memcpy(&text[end], inserted.data(), inserted.size());
+    end += inserted.size();
+    const std::size_t start = found + wanted.size();
+    found = FindPattern(text, wanted, start);
+    const std::size_t kept = std::min(found, text.size()) - start;
+    std::memmove(&text[end], &text[start], kept);
+    end += kept;
+  }
+  text.resize(end);
+}
+
 // Appends to `lines` what `text` completes; `open` is the line begun before, and then the rest.
 void CutLines(std::string_view text, std::string& open, std::vector<std::string>& lines) {
   for (;;) {
@@ -158,6 +175,10 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
   if (wanted.empty()) return text;
   std::size_t found = FindPattern(text, wanted, 0);
   if (found == std::string::npos) return text;
+  if (inserted.size() <= wanted.size()) {
+    ReplaceInPlace(text, found, std::string(wanted), std::string(inserted));
+    return text;
+  }
 
   std::string result;
   result.reserve(text.size());
