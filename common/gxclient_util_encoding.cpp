@@ -23,11 +23,11 @@ constexpr std::size_t kIconvFailed = static_cast<std::size_t>(-1);
 
 // An encoding's name as iconv gets it: the 16-bit encodings are read and written in little-endian
 // order, without a byte order mark.
-std::string Normalised(const char* name) {
+const char* Normalised(const char* name) {
   if (name == nullptr) throw std::logic_error("an encoding's name is null");
-  std::string normalised = name;
-  if (normalised == "UTF-16"sv || normalised == "UCS-2"sv) normalised += "LE";
-  return normalised;
+  if (name == "UTF-16"sv) return "UTF-16LE";
+  if (name == "UCS-2"sv) return "UCS-2LE";
+  return name;
 }
 
 // What one conversion call did.
@@ -49,8 +49,7 @@ std::size_t CallIconv(std::size_t (*function)(iconv_t, Input, std::size_t*, char
 
 class IconvDescriptor {
  public:
-  IconvDescriptor(const std::string& from, const std::string& to)
-      : descriptor_(iconv_open(to.c_str(), from.c_str())) {}
+  IconvDescriptor(const char* from, const char* to) : descriptor_(iconv_open(to, from)) {}
   IconvDescriptor(const IconvDescriptor&) = delete;
   IconvDescriptor& operator=(const IconvDescriptor&) = delete;
   ~IconvDescriptor() {
@@ -77,11 +76,11 @@ class IconvDescriptor {
 
 // Converts with the target that drops what it cannot hold, or where that is refused with the plain
 // one. The descriptors are closed when this returns.
-Conversion ConvertOnce(const std::string& from, const std::string& to, const char* in,
-                       std::size_t inlen, char* out, std::size_t outlen) {
-  std::string ignoringTarget;
-  ignoringTarget.append(to).append("//IGNORE");
-  const IconvDescriptor ignoring(from, ignoringTarget);
+Conversion ConvertOnce(const char* from, const char* to, const char* in, std::size_t inlen,
+                       char* out, std::size_t outlen) {
+  std::string ignoringTarget = to;
+  ignoringTarget += "//IGNORE";
+  const IconvDescriptor ignoring(from, ignoringTarget.c_str());
   if (ignoring.IsOpen()) return ignoring.Convert(in, inlen, out, outlen);
   const IconvDescriptor plain(from, to);
   if (plain.IsOpen()) return plain.Convert(in, inlen, out, outlen);
@@ -97,7 +96,7 @@ void Report(const Conversion& done) {
   if (done.result != 0) logfile.Log("iconv: Non-reversible conversion performed", 2);
 }
 
-bool IsUtf8OrLocale(const std::string& name) { return name.empty() || name == "UTF-8"; }
+bool IsUtf8OrLocale(std::string_view name) { return name.empty() || name == "UTF-8"; }
 
 // Keeps the ASCII characters before the first zero byte. A byte that is dropped takes room as well,
 // on purpose, and the last byte of `out` is never written.
@@ -111,14 +110,14 @@ std::size_t KeepAscii(const char* in, std::size_t inlen, char* out, std::size_t 
 }
 
 // Transcode() without touching the part of `out` that is not written. Returns what is written.
-std::size_t Convert(const std::string& from, const std::string& to, const char* in,
-                    std::size_t inlen, char* out, std::size_t outlen) {
+std::size_t Convert(const char* from, const char* to, const char* in, std::size_t inlen, char* out,
+                    std::size_t outlen) {
   const Conversion done = ConvertOnce(from, to, in, inlen, out, outlen);
   if (done.opened) {
     Report(done);
     return done.written;
   }
-  logfile.Log("iconv: Unable to convert from " + from + " to " + to, 2);
+  logfile.Log(std::string("iconv: Unable to convert from ") + from + " to " + to, 2);
   if (!IsUtf8OrLocale(from) || !IsUtf8OrLocale(to)) return 0;
   logfile.Log("iconv: Using ASCII truncation fallback", 2);
   return KeepAscii(in, inlen, out, outlen);
@@ -169,21 +168,22 @@ std::size_t LowerUnits(char* bytes, std::size_t size) {
 
 void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
                unsigned long outlen) {
-  const std::string source = Normalised(from);
-  const std::string target = Normalised(to);
+  from = Normalised(from);
+  to = Normalised(to);
   char nothing = '\0';  // iconv() takes no null pointer, not even for an empty buffer
   char* buffer = outlen == 0 ? &nothing : static_cast<char*>(out);
   std::memset(buffer, 0, outlen);
-  (void)Convert(source, target, static_cast<const char*>(in), inlen, buffer, outlen);
+  (void)Convert(from, to, static_cast<const char*>(in), inlen, buffer, outlen);
 }
 
 std::string Transcode(const char* from, const char* to, std::string in) {
-  const std::string source = Normalised(from);
-  const std::string target = Normalised(to);
+  from = Normalised(from);
+  to = Normalised(to);
   Scratch scratch(in.size(), 4, 8);
   const std::size_t written =
-      Convert(source, target, in.data(), in.size(), scratch.Bytes(), scratch.Size());
-  return {scratch.Bytes(), TextSize(scratch.Bytes(), written)};
+      Convert(from, to, in.data(), in.size(), scratch.Bytes(), scratch.Size());
+  in.assign(scratch.Bytes(), TextSize(scratch.Bytes(), written));  // often fits where the input was
+  return in;
 }
 
 std::string ToLower(std::string text) {
@@ -194,7 +194,8 @@ std::string ToLower(std::string text) {
   const std::size_t lowered = LowerUnits(wide.Bytes(), widened);
   const std::size_t written =
       Convert("UCS-2LE", "UTF-8", wide.Bytes(), lowered, narrow.Bytes(), narrow.Size());
-  return {narrow.Bytes(), TextSize(narrow.Bytes(), written)};
+  text.assign(narrow.Bytes(), TextSize(narrow.Bytes(), written));
+  return text;
 }
 
 }  // namespace GXUtils
