@@ -4,12 +4,14 @@
 /// What holds for all of them:
 /// - A byte string is a std::string without an encoding; a NUL byte in it is ordinary data, except
 ///   where it becomes a path, a program name or an argument, which end at their first NUL byte. A
-///   parameter of type const char* is NUL-terminated and not null.
+///   parameter of type const char* is NUL-terminated and not null; nor is an argument array.
 /// - Pointers that return a result are optional unless the function says otherwise, and are written
 ///   only on the results that the function names.
-/// - Nothing is logged and nothing is thrown unless the function says so. Exceptions of the
-///   standard library (memory exhausted, above all) and of the client's log pass through; nothing
-///   that the call opened or started stays behind then.
+/// - Nothing is logged and nothing is thrown unless the function says so. Log lines go to
+///   Logfile::Log() on `logfile`, untranslated; the text of a GXException is translated by gettext
+///   in the text domain that the client has set. Exceptions of the standard library (memory
+///   exhausted, above all) and of the client's log pass through; nothing that the call opened or
+///   started stays behind then.
 /// - Three functions touch state of the whole process and are called from one thread at a time:
 ///   System() changes the action for SIGCHLD while it runs; calcHomeDir() and calcRunningUser()
 ///   read the environment and the password database. All others may run on any thread at any time,
@@ -20,49 +22,58 @@
 #include <string>
 #include <vector>
 
+/// The functions of the module, but for parse_nfs_export_option(), which is a global one.
 namespace GXUtils {
 
 /// @name Processes
+/// The runners execute a program by the rules of execvp(): a name with "/" in it is a path, and any
+/// other one is looked for along PATH. No shell reads a command.
 /// @{
 
-/// Cuts a command line into its arguments, the first one being the program. No shell is involved.
+/// Cuts a command line into its arguments, the first one being the program.
 ///
 /// Only the space byte separates; runs of it count once. A double quote opens a quoted argument
 /// only as the first byte of a field (at the start, after a separating space or right after a
 /// closing quote) and the next double quote closes it, with no space needed after it; `""` gives an
-/// empty argument. There is no escape character. A quote that is never closed loses its field, up
-/// to and including the next space. Every other byte, tab, newline, backslash and NUL included, is
-/// an ordinary part of an argument.
+/// empty argument. There is no escape character, so no argument can hold both a space and a double
+/// quote, or begin with a quote. A quote that is never closed loses its field: up to and including
+/// the next space, or to the end. Every other byte, tab, newline, backslash, single quote and NUL
+/// included, is an ordinary part of an argument.
 ///
-/// @return the arguments, none for an empty or blank command line.
+/// @return the arguments in order; none for a command line of spaces only or of a lost field.
 std::vector<std::string> SplitCommandLine(std::string commandLine);
 
 /// Runs a program and waits for it. Its standard output and error are captured together.
 ///
 /// `argv` is an array of NUL-terminated strings that ends in a null pointer; entry 0 is the
-/// program, which is found along PATH. An array without an entry counts as the program name "". The
+/// program. An array without an entry counts as the program name "", which is never found. The
 /// program shares the caller's standard input and inherits no other descriptor below 1024. The call
 /// blocks until the program has exited and every process that inherited its output has closed it.
 ///
-/// @param output what the program wrote is appended as it arrives, in pieces of at most 255 bytes;
-///        a NUL byte and what follows it in its piece are lost. Null: the output is thrown away. A
-///        read that fails or is interrupted by a signal ends the capture; it is not retried.
+/// @param output what the program wrote is appended as it arrives, whatever the result, in pieces
+///        of at most 255 bytes; a NUL byte and what follows it in its piece are lost. Null: the
+///        output is thrown away. A read that fails or is interrupted by a signal ends the capture;
+///        it is not retried.
 /// @param exitCode receives the exit status (0 to 255) when the result is 0 or -2, otherwise it is
 ///        not written.
 /// @return 0: the program exited with a status other than 127 and 128.
 ///         -1: the run failed: the program was ended by a signal, the wait failed or was
 ///         interrupted (the program is then left unreaped), or one of the system calls below
 ///         failed.
-///         -2: the program could not be executed (status 128), or it exited with status 127 or 128.
+///         -2: the program could not be executed (status 128), or it exited with status 127 or 128
+///         of its own, which is not told apart.
 ///
-/// Logs one line with level 2 when the result is -2: "Failed to start command " and the program for
-/// status 128, "Command ", the program and " not found" for 127. Writes one line to the standard
-/// error stream when sigaction, pipe (or making it close-on-exec), fork or the final sigaction
-/// fails: "Error: sigaction() failed", "Error: pipe() failed", "Error: fork() failed", "Error:
-/// sigaction() restore failed".
+/// Logs one line with level 2 when the result is -2, once the run is over:
+/// - "Failed to start command " and entry 0, for status 128
+/// - "Command ", entry 0 and " not found", for status 127
 ///
-/// While it runs, the action for SIGCHLD is the default one; before it returns or throws, the
-/// former action is back. Not to be called from two threads at once.
+/// Writes one line to the standard error stream, not to the log, when sigaction, pipe (or making it
+/// close-on-exec), fork or the final sigaction fails: "Error: sigaction() failed", "Error: pipe()
+/// failed", "Error: fork() failed", "Error: sigaction() restore failed".
+///
+/// While it runs, the action for SIGCHLD is the default one, so that a handler of the client's does
+/// not see any child end; before it returns or throws, the former action is back. Not to be called
+/// from two threads at once.
 int System(const char* const* argv, std::string* output = nullptr, int* exitCode = nullptr);
 
 /// The same for a command line, which SplitCommandLine() cuts into the program and its arguments. A
@@ -73,30 +84,33 @@ int System(const char* const* argv, std::string* output = nullptr, int* exitCode
 int System(std::string command, std::string* output = nullptr, int* exitCode = nullptr);
 
 /// Closes the descriptors from `firstFd` to 1023, except `keepFd`. Descriptors that are not open
-/// are skipped; those from 1024 on are never closed. A `firstFd` below 0 counts as 0, and a
-/// `keepFd` outside the range keeps nothing. Safe to call in a child between fork() and exec.
+/// are skipped; those from 1024 on are never closed. A `firstFd` below 0 counts as 0, one above
+/// 1023 closes nothing, and a `keepFd` outside the range keeps nothing. Meant for a child between
+/// fork() and exec, where it is safe to call: descriptors belong to all threads of a process.
 void CloseAllFds(int firstFd, int keepFd);
 
-/// Starts a program in a session of its own and returns without waiting for it to end.
+/// Starts a program in a session of its own, without a controlling terminal, and returns without
+/// waiting for it to end.
 ///
-/// `argv` and what the program inherits are as with System(): it is found along PATH, shares the
-/// caller's standard input and, without the out-pointers, standard output and error. Where
-/// `stdoutFd` (`stderrFd`) is given, its standard output (error) goes into a new pipe. The call
-/// blocks only until the program has been executed or has failed to. It leaves the action for
-/// SIGCHLD alone and may run on any thread.
+/// `argv` and what the program inherits are as with System(): it shares the caller's standard input
+/// and, without the out-pointers, standard output and error. Where `stdoutFd` (`stderrFd`) is
+/// given, its standard output (error) goes into a new pipe, which ends when the program and
+/// whatever it started have closed it. The call blocks only until the program has been executed or
+/// has failed to. It leaves the action for SIGCHLD alone and may run on any thread.
 ///
 /// @return the process id: a child of the caller, who waits for it and closes the read ends stored
 ///         in the out-pointers. These are ordinary blocking descriptors, not close-on-exec.
-///         -1: nothing was started: a pipe could not be made, or fork failed.
+///         -1: nothing was started: a pipe could not be made or made close-on-exec, or fork failed.
 ///         -2: the program could not be executed, or this could not be learnt because the read that
 ///         waits for it failed or was interrupted by a signal. It is not retried, and the program
 ///         may then be running, left to itself: signal handlers are best installed with SA_RESTART.
 ///         After a failed exec the child has been waited for.
 ///         The out-pointers are written on success only.
 ///
-/// Nothing is logged. A child whose exec failed has a second in which it writes the text of the
-/// error and a newline to its standard error, through std::cerr: the pipe for `stderrFd`, which is
-/// closed and lost with the result -2, or else the caller's own standard error.
+/// Nothing is logged. A child whose exec failed exits with status 1 and has a second in which it
+/// writes the text of the error and a newline to its standard error, through std::cerr: the pipe
+/// for `stderrFd`, which is closed and lost with the result -2, or else the caller's own standard
+/// error.
 int SystemNowait(const char* const* argv, int* stdoutFd = nullptr, int* stderrFd = nullptr);
 
 /// The same for a command line, cut as by System().
@@ -105,8 +119,10 @@ int SystemNowait(const char* const* argv, int* stdoutFd = nullptr, int* stderrFd
 ///         0.
 int SystemNowait(std::string command, int* stdoutFd = nullptr, int* stderrFd = nullptr);
 
-/// @return whether stat() succeeds on `path`: a file of any kind exists there and can be reached. A
-///         symbolic link counts when its target exists.
+/// Tests whether stat() succeeds on `path`.
+///
+/// @return true: a file of any kind exists there and can be reached. A symbolic link counts when
+///         its target exists.
 bool CheckFileExist(std::string path);
 
 /// Tests one execute bit of `path`, that of the first class which the real user and group id of the
@@ -119,8 +135,12 @@ bool CheckFileExecutable(std::string path);
 
 /// Finds a program along PATH: the first entry + "/" + `name` that passes the test of
 /// CheckFileExecutable(), exactly as built. Only a leading "/" makes a name absolute: it is then
-/// tested as it is, and PATH is not read. An empty entry of PATH stands for the root directory, and
-/// an empty name finds the first entry that is a searchable directory. Reads the environment.
+/// tested as it is, and PATH is not read. An empty entry of PATH, the only one of an empty PATH,
+/// stands for the root directory, and an empty name finds the first entry that is a searchable
+/// directory. Reads the environment.
+///
+/// System() and SystemNowait() do not use it. They may find another file: an empty entry is the
+/// working directory there, effective ids and all groups count, and directories are passed over.
 ///
 /// @return the path found; the empty string when there is none or PATH is not set.
 std::string Which(std::string name);
@@ -138,12 +158,15 @@ std::string Which(std::string name);
 ///         separator they give the text back.
 std::vector<std::string> SplitString(std::string text, char separator);
 
-/// @return `text` without the bytes at its two ends that are in `set`.
+/// Trims a text.
+///
+/// @return `text` without the bytes at its two ends that are in `set`. An empty set removes
+///         nothing.
 std::string Strip(std::string text, std::string set);
 
-/// Replaces every occurrence of `pattern` in `text`, from left to right; what was inserted is not
-/// searched again. An empty pattern changes nothing. `pattern` and `replacement` may point into
-/// `text`.
+/// Replaces every occurrence of `pattern` in `text` that overlaps none before it, from left to
+/// right; what was inserted is not searched again. An empty pattern changes nothing. `pattern` and
+/// `replacement` may point into `text`.
 ///
 /// @return a copy of the rewritten text.
 std::string ReplaceInString(std::string& text, const char* pattern, const char* replacement);
@@ -159,40 +182,50 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
 /// @return the lines completed by `chunk`, without their line ends.
 std::vector<std::string> StringLines(const char* chunk, std::string* pending);
 
-/// @return the decimal text of `value`, with a minus sign for negative ones and nothing else.
+/// Writes a number in decimal.
+///
+/// @return the digits of `value`, after a minus sign for negative ones, and nothing else.
 std::string LongToString(long value);
 
 /// Stores a list of byte strings in one text that DecodeStringList() reads back.
 ///
 /// The elements stand in order with the separator between them, followed by a space when it is the
-/// comma or NUL. A separator or backslash inside an element has a backslash before it. An empty
-/// list is the empty text, and so is a list of one empty element. With the backslash as separator,
-/// which the format cannot have, the text is built the same way and cannot be read back.
+/// comma or NUL. A separator or backslash inside an element has a backslash before it; every other
+/// byte stands for itself. An empty list is the empty text, and so is a list of one empty element.
+/// With the backslash as separator, which the format cannot have, the text is built the same way
+/// and cannot be read back.
+///
+/// @return the text.
 std::string EncodeStringList(const std::list<std::string>& elements, char separator);
 
 /// Reads back what EncodeStringList() wrote. `*output` is cleared first; `text` is not one of its
-/// elements. Elements lose white space (" \\f\\n\\r\\t\\v") at both ends, also where it was
-/// escaped. A blank text is the empty list: a list of empty elements that a blank separator joins
-/// does not come back. With the backslash as separator, every backslash is read as an escape.
+/// elements.
 ///
-/// @return false after a backslash that escapes neither a backslash nor the separator, or that ends
-///         the text: one line is logged with level 4 ("DecodeStringList: Bad escape sequence" or
-///         "DecodeStringList: Trailing slash") and `*output` keeps the elements that a separator
-///         had closed. A null `output` is a programming error and stops the process in every build.
+/// Each separator that is not escaped ends an element, so that n of them make n + 1 elements, empty
+/// ones included. Elements lose the six white space bytes `" \f\n\r\t\v"` at both ends, also where
+/// they were escaped. A blank text is the empty list: a list of one blank element does not come
+/// back, nor does one of empty elements that a blank separator joins. With the backslash as
+/// separator, every backslash is read as an escape.
+///
+/// @return true when the whole text was read; false after a backslash that escapes neither a
+///         backslash nor the separator, or that ends the text: one line is logged with level 4
+///         ("DecodeStringList: Bad escape sequence" or "DecodeStringList: Trailing slash") and
+///         `*output` keeps the elements that a separator had closed. A null `output` is a
+///         programming error and stops the process in every build.
 bool DecodeStringList(const std::string& text, std::list<std::string>* output, char separator);
 
-/// Compares two dotted versions, component by component, as text: "10" is lower than "9", "1.0" is
-/// lower than "1.0a". A missing component equals the component "0" and is lower than any other,
-/// "00" and the empty one included.
+/// Compares two dotted versions, component by component, as texts of unsigned bytes: "10" is lower
+/// than "9", "1.0" is lower than "1.0a". A missing component equals the component "0" and is lower
+/// than any other, "00" and the empty one included.
 ///
 /// @return below, equal to or above 0, as the first is lower, equal or higher; only the sign
 ///         counts.
 int CompareVersions(const char* first, const char* second);
 
-/// Compares two hexadecimal numbers of any length. A leading "0x" (not "0X") and zeros do not
-/// count, nor does the case of letters. The digits are not checked: longer is higher, then the
-/// first difference of the bytes decides, lowered by tolower() in the current locale and taken as
-/// unsigned.
+/// Compares two hexadecimal numbers of any length. A leading "0x" (not "0X") and the zeros after it
+/// do not count, nor does the case of letters. The digits are not checked: longer is higher, then
+/// the first difference of the bytes decides, lowered by tolower() in the current locale and taken
+/// as unsigned.
 ///
 /// @return -1, 0 or 1, as the first is lower, equal or higher.
 int CompareHexStrings(const char* first, const char* second);
@@ -225,7 +258,7 @@ int CompareHexStrings(const char* first, const char* second);
 /// write.
 ///
 /// Every problem is a line logged with level 2, and what was converted so far stays in the buffer:
-/// - "iconv: Insufficient space": the text does not fit
+/// - "iconv: Insufficient space": the text does not fit, or iconv left some of it over
 /// - "iconv: Bad input data": invalid or incomplete input, or something dropped
 /// - "iconv: Non-reversible conversion performed": characters were replaced by similar ones
 /// - "iconv: Unable to convert from X to Y": an encoding is not known, or iconv cannot load it now
@@ -235,11 +268,12 @@ int CompareHexStrings(const char* first, const char* second);
 void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
                unsigned long outlen);
 
-/// The same for a whole string.
+/// The same for a whole string. The converted text has room for 4 bytes for each byte of `in` and 8
+/// more, which no ordinary encoding exceeds.
 ///
 /// @return the converted text up to its first zero byte: for targets without zero bytes (UTF-8, the
-///         locale's encoding, single-byte sets), not for 16-bit ones. Empty when an encoding is not
-///         known.
+///         locale's encoding, single-byte sets), not for 16-bit ones. Empty when iconv cannot
+///         convert and the ASCII characters are not kept either.
 /// @throws std::length_error when four times the length does not fit into a size.
 std::string Transcode(const char* from, const char* to, std::string in);
 
@@ -249,7 +283,8 @@ std::string Transcode(const char* from, const char* to, std::string in);
 /// The result ends at the first NUL character. Characters outside the Basic Multilingual Plane and
 /// invalid bytes are dropped or end it, and a text that grows by more than two bytes (a lower-case
 /// letter can be longer) is cut at a character: Transcode(), which converts to "UCS-2" and back,
-/// logs such problems. There is no ASCII fallback.
+/// logs such problems. There is no ASCII fallback: where iconv cannot convert, the result is empty.
+/// The locale is not to be changed meanwhile.
 ///
 /// @return the lowered text; the empty string where iconv cannot convert at all.
 /// @throws std::length_error as Transcode().
@@ -260,7 +295,8 @@ std::string ToLower(std::string text);
 /// @return the text, 4 characters for every 3 bytes begun.
 std::string Base64Encode(std::string data);
 
-/// The same for the `len` bytes at `data`, which may be null when `len` is 0.
+/// The same for the `len` bytes at `data`, which may be null when `len` is 0. They stay the
+/// caller's and are not changed.
 std::string Base64Encode(const unsigned char* data, unsigned long len);
 
 /// Decodes Base64 text (RFC 4648, section 4), strictly as to its length and characters, leniently
@@ -279,7 +315,8 @@ std::string Base64Encode(const unsigned char* data, unsigned long len);
 ///         text.
 std::string Base64Decode(std::string text);
 
-/// Turns pairs of hexadecimal digits, of either case, into the bytes that they spell.
+/// Turns pairs of hexadecimal digits, of either case and any number, into the bytes that they
+/// spell.
 ///
 /// A pair is read as strtol() reads a text of two characters in base 16: white space of the current
 /// locale or a sign may stand in for the first digit, as in " a", "+a" (both 0x0A) and "-1" (0xFF,
@@ -304,42 +341,48 @@ void SHA256Digest(const std::string& data, unsigned char* digest);
 /// @{
 
 /// Makes sure that something exists at `path`, a directory by default: what is missing is made with
-/// mode 0755 less the umask. Anything that exists there counts, a file included.
+/// mode 0755 less the umask. Anything that exists there counts, a file included. Symbolic links are
+/// followed; one without a target is in the way.
 ///
-/// @param path absolute. With `recursive`, a relative path hangs on the root directory: what stands
-///        before its first "/" is dropped, and a path without one is kept whole.
+/// @param path absolute. Without `recursive`, a relative path counts from the working directory.
+///        With it, one that does not exist there hangs on the root directory: what stands before
+///        its first "/" is dropped, and a path without one, the empty one included, is kept whole.
 /// @param recursive makes every missing directory above `path` as well, from the root on.
-/// @return false when a directory could not be made, with errno of that mkdir(); the ones made
-///         before stay. So it is when another process makes the same directory at the same moment.
+/// @return true when `path` exists now; false when a directory could not be made, with errno of
+///         that mkdir(); the ones made before stay. False as well when another process makes the
+///         same directory at the same moment.
 bool CheckCreateDir(std::string path, bool recursive);
 
 /// Creates an empty file with a new name in /tmp: "/tmp/", `name` and six characters, mode 0600.
 ///
 /// A `name` of more than 500 bytes is refused: the template is cut to 511 bytes, and what is left
 /// has to end in "XXXXXX". One with "/" in it names a file in a folder below /tmp, which has to
-/// exist.
+/// exist; with ".." in it, that leads out of /tmp. The file is the caller's to remove.
 ///
 /// @param fd receives the descriptor, open for reading and writing and not close-on-exec, which is
 ///        the caller's from then on; -1 on failure. Null: the file is closed.
 /// @return the path; the empty string on failure.
 std::string GenerateTempFile(std::string name, int* fd);
 
-/// Removes a file with unlink(). Nothing is truncated.
+/// Removes a file, or a symbolic link itself, with unlink(). Nothing is truncated.
 ///
-/// @return 0; -1 with errno set.
+/// @return 0; -1 with errno set, for a directory as well.
 int UnlinkOrTruncate(const char* path);
 
-/// @return the empty string: there is no such directory on POSIX systems.
+/// The temporary directory of a platform that has one of its own.
+///
+/// @return the empty string: POSIX systems have none.
 std::string winGetTempDir();
 
 /// The home directory: the value of HOME as it is, the empty string when it is not set. Only where
 /// HOME is "/", it is the one that the password database has for `user` (a name in UTF-8, as
 /// calcRunningUser() gives it), or "/root" for an unknown user.
 ///
-/// Each call makes the per-user directory ".gannorex" in it where it is missing, mode 0755 less the
-/// umask; that this fails is not reported. Reads the environment and the password database with
-/// calls that are not reentrant: not to be called while another thread uses either. The name is
-/// converted by Transcode(), which logs what it cannot convert.
+/// Each call makes the per-user directory ".gannorex" in it where nothing of that name is there,
+/// with CheckCreateDir(), which makes none of the directories above it; an empty home stands for
+/// the root directory there. That this fails is not reported. Reads the environment and the
+/// password database with calls that are not reentrant: not to be called while another thread uses
+/// either. The name is converted by Transcode(), which logs what it cannot convert.
 std::string calcHomeDir(std::string user);
 
 /// The name of the running user in UTF-8: the first of LOGNAME, USERNAME and USER that is set, also
@@ -348,20 +391,22 @@ std::string calcHomeDir(std::string user);
 /// calcHomeDir().
 std::string calcRunningUser();
 
-/// @return `path` when it begins with "/", otherwise `gxclient_prefix` + "/" + `path`. The prefix
-///         is read without a lock.
+/// Makes a path of the installation a full one.
+///
+/// @return `path` when it begins with "/", otherwise `gxclient_prefix` + "/" + `path`, which is
+///         rooted at "/" until the client has set the prefix. That is read without a lock.
 std::string AddPathPrefix(std::string path);
 
 /// Asks the desktop's file manager to show a file or directory, through the client's
 /// osxShowInFileManager(), which is called on every platform.
 ///
-/// @return its status, unchanged: 0 when the file is shown; support/osx_show_in_file_manager.h
-///         lists the rest.
+/// @return its status, unchanged: 0 when the file is shown. support/osx_show_in_file_manager.h
+///         lists the rest and says how long the call may block.
 int ShowInFileManager(const std::string& path);
 
 /// A rough figure for the speed of the host: the sum of the integer parts of the "bogomips" lines
-/// in /proc/cpuinfo, one for each processor. Numbers and sums beyond the range of int are its
-/// nearest end.
+/// in /proc/cpuinfo, one for each processor, where what is not a number counts as 0. Numbers and
+/// sums beyond the range of int are its nearest end.
 ///
 /// @return the sum; -1 where the file cannot be read or has no such line (macOS, some processors).
 int GetBogoMips();
@@ -373,13 +418,14 @@ int GetBogoMips();
 struct Exportdata;
 
 /// Reads an option that lists NFS exports: path "," mode, and further pairs after one more ","
-/// each. The mode is "ro", "rw" or "disabled". Inside a field, `\,` stands for a comma and `\\` for
-/// a backslash.
+/// each. The mode is exactly "ro", "rw" or "disabled". Inside a field, `\,` stands for a comma and
+/// `\\` for a backslash.
 ///
 /// @param exports is emptied first; the records it pointed to are not deleted. Receives one record
-///        a pair, in order, valid or not; they are made with new and the caller's to delete. A pair
-///        without a mode or with another word has access 0. An empty path makes a record with
-///        access 0 and has no mode: what follows its comma is the next path. After an exception the
-///        records made before it are in the vector.
+///        a pair, in order, valid or not; they are made with new and the caller's to delete. Access
+///        is 1 for "ro", 2 for "rw", and 0 for "disabled", for another word and without a mode. An
+///        empty path makes a record with access 0 and has no mode: what follows its comma is the
+///        next path. An empty option, or the end of one after a comma, is an empty path. After an
+///        exception the records made before it are in the vector.
 /// @return 1 when every pair was valid (an empty path does not count against it), otherwise 0.
 int parse_nfs_export_option(std::string option, std::vector<Exportdata*>& exports);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the project needs and this machine lacks, and says what it does.
-# usage: scripts/setup.sh [build|check|bench|coverage|fuzz|package]...   (default: build, to compile and test)
+# usage: scripts/setup.sh [build|check|bench|coverage|docs|fuzz|package]...
+#   (default: build, to compile and test)
 # Debian and Ubuntu: apt, with sudo when not root. macOS: brew.
 set -euo pipefail
 
@@ -10,6 +11,7 @@ debian_packages() {
     check) echo clang clang-format clang-tidy ;;
     bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
     coverage) echo gcovr ;;
+    docs) echo doxygen ;;
     fuzz) echo clang libclang-rt-dev ;;
     package) echo dpkg-dev file ;;
     *) return 1 ;;
@@ -22,6 +24,7 @@ brew_packages() {
     check) echo llvm ;;
     bench) echo google-benchmark abseil glib openssl ;;
     coverage) echo gcovr ;;
+    docs) echo doxygen ;;
     fuzz) echo llvm ;;
     *) return 1 ;;
   esac

@@ -1,3 +1,5 @@
+/// @file
+/// Where the client is installed.
 #pragma once
 
 #include <string>

@@ -10,11 +10,15 @@
 /// SystemNowait().
 class GXException : public std::exception {
  public:
+  /// An exception with this code and message.
   GXException(int code, std::string message);
   ~GXException() override;
+  /// Copies share the text of the message: copying does not allocate and cannot throw.
   GXException(const GXException&) noexcept = default;
+  /// As copying.
   GXException& operator=(const GXException&) noexcept = default;
 
+  /// The code given at construction.
   int code() const noexcept;
 
   /// The message, up to its first NUL byte.

@@ -1,3 +1,5 @@
+/// @file
+/// The client's log.
 #pragma once
 
 #include <cstdio>

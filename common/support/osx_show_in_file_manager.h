@@ -1,3 +1,5 @@
+/// @file
+/// The desktop's file manager.
 #pragma once
 
 #include <string>

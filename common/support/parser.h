@@ -28,6 +28,7 @@ class Parser {
   /// @return 1: a field was read. 0: the field has no byte, and `out` is empty.
   int parse_comma_escaped_string(std::string& out);
 
+  /// The text being read.
   std::string text;
   std::uint32_t pos;  ///< the index of the next byte to read; the byte at hand is the one before it
   int current;        ///< the byte at hand as a signed char, negative from 0x80 on
