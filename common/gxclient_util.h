@@ -53,7 +53,7 @@ std::vector<std::string> SplitCommandLine(std::string commandLine);
 /// @param output what the program wrote is appended as it arrives, whatever the result, in pieces
 ///        of at most 255 bytes; a NUL byte and what follows it in its piece are lost. Null: the
 ///        output is thrown away. A read that fails or is interrupted by a signal ends the capture;
-///        it is not retried.
+///        it is not retried, and a program that writes on is ended by SIGPIPE.
 /// @param exitCode receives the exit status (0 to 255) when the result is 0 or -2, otherwise it is
 ///        not written.
 /// @return 0: the program exited with a status other than 127 and 128.
