@@ -283,8 +283,7 @@ std::string Transcode(const char* from, const char* to, std::string in);
 /// The result ends at the first NUL character. Characters outside the Basic Multilingual Plane and
 /// invalid bytes are dropped or end it, and a text that grows by more than two bytes (a lower-case
 /// letter can be longer) is cut at a character: Transcode(), which converts to "UCS-2" and back,
-/// logs such problems. There is no ASCII fallback: where iconv cannot convert, the result is empty.
-/// The locale is not to be changed meanwhile.
+/// logs such problems. There is no ASCII fallback. The locale is not to be changed meanwhile.
 ///
 /// @return the lowered text; the empty string where iconv cannot convert at all.
 /// @throws std::length_error as Transcode().
