@@ -247,8 +247,9 @@ int CompareHexStrings(const char* first, const char* second);
 /// Characters that the target does not have are dropped where iconv can do that (the suffix
 /// "//IGNORE"), otherwise the conversion stops there. There is exactly one call of iconv(). With
 /// the C library of Linux, a text in which something was dropped or is invalid is reported as bad
-/// input, and when it is longer than about 8,000 characters its conversion ends with the internal
-/// block in which that happened; an invalid byte in a later block can vanish without a line.
+/// input. One of more than about 8,000 characters goes through that library in blocks: a character
+/// that the target does not have then ends the conversion with its block, and an invalid byte
+/// vanishes without a line unless it is in the last block.
 ///
 /// Where iconv cannot convert between UTF-8 and the locale's encoding at all (both names empty or
 /// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
