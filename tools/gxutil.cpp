@@ -150,6 +150,7 @@ int Run(std::vector<std::string> arguments) {
   AddTextCommands(app);
   AddEncodingCommands(app);
   AddHostCommands(app);
+  AddDoctorCommand(app);
 
   arguments = MarkOperandList(app, std::move(arguments));
   std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

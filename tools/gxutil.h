@@ -72,5 +72,6 @@ void AddProcessCommands(CLI::App& app);
 void AddTextCommands(CLI::App& app);
 void AddEncodingCommands(CLI::App& app);
 void AddHostCommands(CLI::App& app);
+void AddDoctorCommand(CLI::App& app);
 
 }  // namespace gxutil

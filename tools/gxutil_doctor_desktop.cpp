@@ -1,0 +1,85 @@
+// The desktop, as ShowInFileManager() finds it. Nothing is started: neither a bus nor a file manager.
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "gxclient_util.h"
+#include "gxutil_doctor.h"
+
+namespace gxutil {
+namespace {
+
+// Where ShowInFileManager() finds a bus; empty where it finds none.
+std::string SessionBusAddress() {
+  std::string address = Environment("DBUS_SESSION_BUS_ADDRESS");
+  const std::string directory = Environment("XDG_RUNTIME_DIR");
+  if (!address.empty() || directory.empty()) return address;
+  const std::string bus = directory + "/bus";
+  struct stat info {};
+  const bool owned =
+      lstat(bus.c_str(), &info) == 0 && S_ISSOCK(info.st_mode) && info.st_uid == getuid();
+  return owned ? bus : "";
+}
+
+// Whether the bus answers a question about its names. dbus-send itself waits without end for a bus
+// that accepts connections and says nothing.
+bool AskBus(const char* method, std::string* answer) {
+  const char* const argv[] = {"timeout",
+                              "5",
+                              "dbus-send",
+                              "--session",
+                              "--print-reply",
+                              "--reply-timeout=3000",
+                              "--dest=org.freedesktop.DBus",
+                              "/org/freedesktop/DBus",
+                              method,
+                              nullptr};
+  answer->clear();
+  int exitCode = -1;
+  return GXUtils::System(argv, answer, &exitCode) == 0 && exitCode == 0;
+}
+
+Fact NoAnswer(const std::string& said) {
+  return {said.empty() ? "unknown" : said, "the session bus does not answer"};
+}
+
+}  // namespace
+
+Fact Opener() {
+#ifdef __APPLE__
+  const std::string path = GXUtils::Which("open");
+#else
+  const std::string path = GXUtils::Which("xdg-open");
+#endif
+  return {path.empty() ? "none" : path};
+}
+
+Fact Display() {
+  const std::string displays =
+      GXUtils::Strip(Environment("WAYLAND_DISPLAY") + " " + Environment("DISPLAY"), " ");
+  return {displays.empty() ? "none" : displays};
+}
+
+Fact SessionBus() {
+  const std::string address = SessionBusAddress();
+  return {address.empty() ? "none" : address};
+}
+
+Fact FileManager() {
+  constexpr char kName[] = "\"org.freedesktop.FileManager1\"";
+  const std::string address = SessionBusAddress();
+  if (address.empty()) return {"not asked: there is no session bus"};
+  if (address.find("autolaunch:") != std::string::npos) {
+    return {"not asked: dbus-send would start a bus"};
+  }
+  for (const char* program : {"dbus-send", "timeout"}) {
+    if (GXUtils::Which(program).empty()) return {std::string("not asked: there is no ") + program};
+  }
+  std::string answer;
+  if (!AskBus("org.freedesktop.DBus.ListNames", &answer)) return NoAnswer(answer);
+  if (answer.find(kName) != std::string::npos) return {"runs"};
+  if (!AskBus("org.freedesktop.DBus.ListActivatableNames", &answer)) return NoAnswer(answer);
+  return {answer.find(kName) != std::string::npos ? "starts when asked" : "none"};
+}
+
+}  // namespace gxutil
