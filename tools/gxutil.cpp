@@ -82,12 +82,13 @@ Text Input(CLI::App& command, const std::string& name, const std::string& help) 
 }
 
 std::function<char()> SeparatorOption(CLI::App& command) {
-  const CLI::Option* option = command.add_option("-s,--separator", "The separator, \\0 for NUL")
-                                  ->default_str(",")
-                                  ->check([](const std::string& text) {
-                                    const bool good = text.size() == 1 || text == "\\0";
-                                    return good ? "" : "the separator is one byte";
-                                  });
+  const CLI::Option* option =
+      command.add_option("-s,--separator", "The separator, \\0 for NUL (default: a comma)")
+          ->option_text("BYTE")
+          ->check([](const std::string& text) {
+            const bool good = text.size() == 1 || text == "\\0";
+            return good ? "" : "the separator is one byte";
+          });
   return [option] {
     const auto text = option->count() == 0 ? "," : option->as<std::string>();
     return text.size() == 1 ? text[0] : '\0';
@@ -151,6 +152,11 @@ int Run(std::vector<std::string> arguments) {
   AddEncodingCommands(app);
   AddHostCommands(app);
   AddDoctorCommand(app);
+  app.footer(  // last: the commands would inherit it
+      "Exit status:\n"
+      "  0  The operation succeeded\n"
+      "  1  It failed\n"
+      "  2  The command line makes no sense");
 
   arguments = MarkOperandList(app, std::move(arguments));
   std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

@@ -32,6 +32,7 @@ void AddEncodingCommands(CLI::App& app) {
     const auto to = Operand(command, "TO", "The other encoding, '' for the locale's");
     const auto text = Input(command, "TEXT", "The text");
     const auto* size = command.add_option("-b,--buffer", "Print a whole buffer of this size")
+                           ->option_text("SIZE")
                            ->check(CLI::Range(0, 1 << 30));
     return [=] {
       if (size->count() == 0) {

@@ -51,7 +51,8 @@ void AddFileCommands(CLI::App& app) {
       [](CLI::App&) { return [] { return PrintLine(GXUtils::winGetTempDir()); }; });
   Add(app, "add-path-prefix", "Put the installation prefix before a path", [](CLI::App& command) {
     const auto path = Operand(command, "PATH", "The path");
-    const auto* prefix = command.add_option("-p,--prefix", "The installation prefix");
+    const auto* prefix =
+        command.add_option("-p,--prefix", "The installation prefix")->option_text("PATH");
     return [=] {
       if (prefix->count() != 0) gxclient_prefix = prefix->as<std::string>();
       return PrintLine(GXUtils::AddPathPrefix(path()));

@@ -76,7 +76,10 @@ void AddTextCommands(CLI::App& app) {
     };
   });
   Add(app, "long-to-string", "Write a number in decimal", [](CLI::App& command) {
-    const auto* value = command.add_option("NUMBER", "The number")->required()->check(CLI::Number);
+    const auto* value = command.add_option("NUMBER", "The number")
+                            ->required()
+                            ->check(CLI::Number)
+                            ->option_text("REQUIRED");
     return [=] { return PrintLine(GXUtils::LongToString(value->as<long>())); };
   });
   Add(app, "compare-versions", "Print -1, 0 or 1 for two versions", [](CLI::App& command) {
