@@ -5,15 +5,15 @@
 #include <vector>
 
 /// Takes the lines that the module logs while it lives. Without one they reach the real log.
-class CapturedLog {
- public:
+struct CapturedLog {
   using Lines = std::vector<std::pair<int, std::string>>;  // level and message
 
-  CapturedLog();
-  ~CapturedLog();
-  CapturedLog(const CapturedLog&) = delete;
-  CapturedLog& operator=(const CapturedLog&) = delete;
+  CapturedLog() { current = this; }
+  ~CapturedLog() { current = nullptr; }
+  CapturedLog& operator=(CapturedLog&&) = delete;  // neither copied nor moved
 
   Lines lines;
   bool throws = false;  // each call throws a std::runtime_error once its line is taken
+
+  inline static CapturedLog* current = nullptr;
 };

@@ -2,17 +2,18 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 struct passwd;
 
-/// Makes the n-th coming call of one library function (or "new", any allocation) fail once. Several
-/// may be armed. Calls of the test framework count as well: arm late, destroy early.
+/// Makes the n-th coming call of one library function (or "new", any allocation) fail once; with 0
+/// none. Several may be armed. Calls of the test framework count as well: arm late, destroy early.
 class Failing {
  public:
-  Failing(const char* call, int nth, int error);
+  Failing(const char* call, int nth, int error)
+      : call_(call), left_(nth), error_(error), next_(std::exchange(armed, this)) {}
   ~Failing();
-  Failing(const Failing&) = delete;
-  Failing& operator=(const Failing&) = delete;
+  Failing& operator=(Failing&&) = delete;  // neither copied nor moved
 
   bool Happened() const { return left_ <= 0; }
 
@@ -20,6 +21,8 @@ class Failing {
   static bool Now(const char* call);
 
  private:
+  inline static Failing* armed = nullptr;
+
   const char* call_;
   int left_;
   int error_;
@@ -27,6 +30,6 @@ class Failing {
 };
 
 /// What an armed call of getpwnam(), getpwuid() or fopen() gives; null unless set.
-extern passwd* fakePasswd;
-extern std::string lookedUp;  // the name given to getpwnam()
-extern std::FILE* fakeFile;
+inline passwd* fakePasswd = nullptr;
+inline std::string lookedUp;  // the name given to getpwnam()
+inline std::FILE* fakeFile = nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 /// Sets an environment variable, or unsets it (null), and puts the former state back when it goes
@@ -8,21 +9,15 @@
 class ScopedEnv {
  public:
   ScopedEnv(const char* name, const char* value) : name_(name) {
-    const char* before = std::getenv(name);
-    if (before != nullptr) before_ = before;
-    wasSet_ = before != nullptr;
+    if (const char* before = std::getenv(name)) before_ = before;
     Set(value);
   }
-  ~ScopedEnv() { Set(wasSet_ ? before_.c_str() : nullptr); }
-  ScopedEnv(const ScopedEnv&) = delete;
-  ScopedEnv& operator=(const ScopedEnv&) = delete;
+  ~ScopedEnv() { Set(before_ ? before_->c_str() : nullptr); }
+  ScopedEnv& operator=(ScopedEnv&&) = delete;  // neither copied nor moved
 
  private:
-  void Set(const char* value) {
-    (void)(value != nullptr ? setenv(name_, value, 1) : unsetenv(name_));
-  }
+  void Set(const char* to) { (void)(to != nullptr ? setenv(name_, to, 1) : unsetenv(name_)); }
 
   const char* name_;
-  std::string before_;
-  bool wasSet_;
+  std::optional<std::string> before_;
 };

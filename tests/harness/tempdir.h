@@ -3,19 +3,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 /// An empty directory, removed with all that is in it when it goes out of scope.
 class TempDir {
  public:
-  TempDir() {
-    if (mkdtemp(path_.data()) == nullptr) std::abort();
-  }
-  ~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
+  TempDir() { (void)!mkdtemp(path_.data()); }
+  ~TempDir() { std::filesystem::remove_all(path_, ignored_); }
+  TempDir& operator=(TempDir&&) = delete;  // neither copied nor moved
 
   /// The directory, or with a `name` the path of that entry in it.
   std::string Path(const std::string& name = "") const {
@@ -24,4 +19,5 @@ class TempDir {
 
  private:
   std::string path_ = "/tmp/gxclient_test.XXXXXX";
+  std::error_code ignored_;
 };
