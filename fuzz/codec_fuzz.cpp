@@ -1,4 +1,5 @@
-// Input: how often the rest is repeated, then bytes to encode, which are text to decode as well.
+// Input: "?" to repeat the rest 31 times, or another byte; then bytes to encode, which are text to
+// decode as well.
 
 #include <cstdlib>
 
@@ -12,12 +13,13 @@ const std::string kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvw
 std::string DecodedBase64(const std::string& text) {
   std::string bytes;
   if (text.size() % 4 != 0 || text.find_first_not_of(kAlphabet) != std::string::npos) return bytes;
-  for (std::size_t i = 0; i < text.size(); i += 4) {
-    std::size_t d[4];
-    for (std::size_t k = 0; k < 4; ++k) d[k] = kAlphabet.find(text[i + k]);
-    bytes += static_cast<char>(d[0] * 4 + d[1] / 16);
-    if (d[2] != 64) bytes += static_cast<char>(d[1] * 16 + d[2] / 4);
-    if (d[3] != 64) bytes += static_cast<char>(d[2] * 64 + d[3]);
+  std::size_t last = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t digit = kAlphabet.find(text[i]);
+    const std::size_t bits = i % 4 * 2;  // the high ones of the digit that fill a byte
+    const bool fills = bits == 2 || (bits > 2 && digit != 64);
+    if (fills) bytes += static_cast<char>((last << bits) + (digit >> (6 - bits)));
+    last = digit;
   }
   return bytes;
 }
@@ -36,7 +38,7 @@ std::string DecodedHex(const std::string& hex) {
 }  // namespace
 
 void Check(std::string input) {
-  const int times = input.c_str()[0] & 63;
+  const int times = input.c_str()[0] == '?' ? 31 : 0;
   std::string bytes = input.erase(0, 1);
   for (int i = 0; i < times; ++i) bytes += input;
   const std::vector<unsigned char> exact(bytes.begin(), bytes.end());  // nothing behind it
@@ -45,4 +47,7 @@ void Check(std::string input) {
   assert(DecodedBase64(text) == bytes && GXUtils::Base64Decode(text) == bytes);
   assert(GXUtils::Base64Decode(bytes) == DecodedBase64(bytes));
   assert(GXUtils::HexASCIIToString(bytes) == DecodedHex(bytes));
+  std::string digest(34, '#');  // of which 32 bytes are to be written
+  GXUtils::SHA256Digest(bytes, reinterpret_cast<unsigned char*>(&digest[1]));
+  assert(digest.front() == '#' && digest.back() == '#');
 }

@@ -26,17 +26,15 @@ std::pair<std::size_t, std::string> Number(std::string text) {
   return {text.size(), text};
 }
 
-void CheckPair(const char* first, const char* second) {
-  const int versions = OrderVersions(Split(first, '.'), Split(second, '.'));
-  assert(Order(GXUtils::CompareVersions(first, second), 0) == versions);
-  assert(GXUtils::CompareHexStrings(first, second) == Order(Number(first), Number(second)));
-}
-
 }  // namespace
 
 void Check(std::string input) {
-  const std::string first = Split(input, '|')[0];
-  const std::string second = input.erase(0, first.size() + 1);
-  CheckPair(first.c_str(), second.c_str());
-  CheckPair(second.c_str(), first.c_str());
+  const Strings sides = Split(input + "|", '|');
+  for (const std::size_t i : {0U, 1U}) {
+    const char* first = sides[i].c_str();
+    const char* second = sides[1 - i].c_str();
+    const int versions = OrderVersions(Split(first, '.'), Split(second, '.'));
+    assert(Order(GXUtils::CompareVersions(first, second), 0) == versions);
+    assert(GXUtils::CompareHexStrings(first, second) == Order(Number(first), Number(second)));
+  }
 }

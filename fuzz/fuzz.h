@@ -4,7 +4,9 @@
 /// read and written by hand.
 #pragma once
 
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gxclient_util.h"

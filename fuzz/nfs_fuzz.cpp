@@ -24,10 +24,11 @@ Strings Fields(const std::string& option) {
 
 void CheckParser(const std::string& option, const Strings& fields) {
   Parser parser(option);
+  assert(parser.current == (option.empty() ? -1 : static_cast<signed char>(option[0])));
   for (const std::string& expected : fields) {
     std::string field = "old";
     assert(parser.parse_comma_escaped_string(field) == (expected.empty() ? 0 : 1));
-    assert(field == expected && (parser.current == ',' || &expected == &fields.back()));
+    assert(field == expected && parser.current == (&expected == &fields.back() ? -1 : ','));
     parser.advance();
   }
   assert(parser.current == -1 && parser.pos == option.size());
@@ -44,8 +45,7 @@ void Check(std::string input) {
   bool valid = true;
   std::size_t records = 0;
   for (std::size_t i = 0; i < fields.size(); ++i) {
-    assert(records < exports.size());
-    const std::unique_ptr<Exportdata> record(exports[records++]);
+    const std::unique_ptr<Exportdata> record(exports.at(records++));
     assert(record->path == fields[i]);
     std::string mode = "disabled";  // of an empty path, which no mode follows
     if (!fields[i].empty()) mode = ++i < fields.size() ? fields[i] : "";

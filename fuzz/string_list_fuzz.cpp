@@ -1,7 +1,5 @@
 // Input: the separator, then a text to decode; its bars cut it into elements to encode.
 
-#include <utility>
-
 #include "fuzz.h"
 
 namespace {
@@ -17,11 +15,10 @@ std::string Decode(const std::string& text, char separator, List& elements) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const bool escaped = text[i] == '\\';
     if (escaped && ++i == text.size()) return "4 DecodeStringList: Trailing slash";
-    const bool isSeparator = text[i] == separator;
-    if (escaped && text[i] != '\\' && !isSeparator)
-      return "4 DecodeStringList: Bad escape sequence";
-    if (escaped || !isSeparator) element += text[i];
-    if (!escaped && isSeparator) elements.push_back(Trimmed(std::exchange(element, {}), kBlanks));
+    const bool meant = text[i] == separator;
+    if (escaped && text[i] != '\\' && !meant) return "4 DecodeStringList: Bad escape sequence";
+    if (escaped || !meant) element += text[i];
+    if (!escaped && meant) elements.push_back(Trimmed(std::exchange(element, {}), kBlanks));
   }
   elements.push_back(Trimmed(element, kBlanks));
   return {};

@@ -1,8 +1,6 @@
 // Input: separator|set|pattern|replacement|text. StringLines() gets what follows in further fields
 // as the next chunks; the pattern is what is pending at first.
 
-#include <algorithm>
-
 #include "fuzz.h"
 
 namespace {
@@ -37,5 +35,11 @@ void Check(std::string input) {
   const char* pattern = fields[2].c_str();
   const char* replacement = fields[3].c_str();
   const std::string expected = Replaced(text, pattern, replacement);
+  std::string own = text;
   assert(GXUtils::ReplaceInString(text, pattern, replacement) == expected && text == expected);
+
+  // Both taken from the text itself.
+  const std::size_t half = own.size() / 2;
+  const std::string doubled = Replaced(own, own.c_str() + half, own.c_str());
+  assert(GXUtils::ReplaceInString(own, own.c_str() + half, own.c_str()) == doubled);
 }
