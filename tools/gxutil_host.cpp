@@ -22,6 +22,13 @@ int PrintExports(const std::string& option) {
   return valid != 0 ? 0 : Fail("not every pair is valid");
 }
 
+int MakeDirectory(const std::string& path, bool recursive) {
+  if (GXUtils::CheckCreateDir(path, recursive)) return PrintBool(true);
+  const int error = errno;
+  (void)PrintBool(false);
+  return Fail(std::strerror(error));
+}
+
 int ShowFile(const std::string& path) {
   const int status = GXUtils::ShowInFileManager(path);
   return status == 0 ? 0 : Fail("status " + std::to_string(status));
@@ -31,7 +38,7 @@ void AddFileCommands(CLI::App& app) {
   Add(app, "check-create-dir", "Make sure that a directory exists", [](CLI::App& command) {
     const auto path = Operand(command, "PATH", "The directory, absolute");
     const auto* recursive = command.add_flag("-r,--recursive", "Make those above it as well");
-    return [=] { return PrintBool(GXUtils::CheckCreateDir(path(), recursive->count() != 0)); };
+    return [=] { return MakeDirectory(path(), recursive->count() != 0); };
   });
   Add(app, "generate-temp-file", "Create a private file below /tmp", [](CLI::App& command) {
     const auto name = Operand(command, "NAME", "What its name begins with");
