@@ -1,18 +1,24 @@
 #include <fstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "gxclient_util.h"
-#include "harness/scopedenv.h"
+#include "harness/tempdir.h"
 
 namespace {
 
-// Output and exit status of a command line, as gxutil.session has them.
+constexpr char kPrelude[] =
+    "unset LANGUAGE; export LC_ALL=C.UTF-8 PATH=" GXUTIL_FOLDER ":$PATH; cd ";
+
+// Output and exit status of a command line, as gxutil.session has them; run in an empty folder.
 std::string Transcript(const std::string& command) {
   std::string output;
   int exitCode = -1;
-  const std::string script = "PATH=" GXUTIL_FOLDER ":$PATH; " + command;
+  const TempDir folder;
+  const std::string script = kPrelude + folder.Path() + "; " + command;
   const char* argv[] = {"/bin/bash", "-c", script.c_str(), nullptr};
   GXUtils::System(argv, &output, &exitCode);
   if (!output.empty() && output.back() != '\n') output += " (no-eol)\n";
@@ -20,27 +26,19 @@ std::string Transcript(const std::string& command) {
 }
 
 TEST(Gxutil, DoesWhatTheSessionSays) {
-  const ScopedEnv locale("LC_ALL", "C.UTF-8");
-  const ScopedEnv language("LANGUAGE", nullptr);
-  std::ifstream session(GXUTIL_SESSION);
-  std::string command;
-  std::string expected;
-  int commands = 0;
-  const auto check = [&] {
-    EXPECT_EQ(command.empty() ? expected : Transcript(command), expected) << command;
-    expected.clear();
-    ++commands;
-  };
-  for (std::string line; std::getline(session, line);) {
+  std::ifstream file(GXUTIL_SESSION);
+  std::vector<std::pair<std::string, std::string>> session;
+  for (std::string line; std::getline(file, line);) {
     if (line.rfind("$ ", 0) == 0) {
-      check();
-      command = line.substr(2);
+      session.emplace_back(line.substr(2), "");
     } else if (!line.empty() && line[0] != '#') {
-      expected += line + "\n";
+      session.back().second += line + "\n";
     }
   }
-  check();
-  EXPECT_GT(commands, 100);
+  EXPECT_GT(session.size(), 100U);
+  for (const auto& [command, expected] : session) {
+    EXPECT_EQ(Transcript(command), expected) << command;
+  }
 }
 
 }  // namespace
