@@ -7,7 +7,7 @@ void Check(std::string input) {
   const Strings arguments = GXUtils::SplitCommandLine(input);
   Strings expected;
   for (std::size_t end = 0; end != std::string::npos; input.erase(0, end + 1)) {
-    const bool quoted = input[0] == '"';
+    const bool quoted = !input.empty() && input.front() == '"';
     const std::size_t quote = quoted ? input.find('"', 1) : std::string::npos;
     end = input.find(' ');
     if (quote != std::string::npos) {

@@ -1,14 +1,13 @@
 #!/usr/bin/env bash
 # Installs what the project needs and this machine lacks, and says what it does.
-# usage: scripts/setup.sh [build|check|bench|coverage|docs|fuzz|package]...
-#   (default: build, to compile and test)
+# usage: scripts/setup.sh [GROUP]...   (the groups are below; default: build, to compile and test)
 # Debian and Ubuntu: apt, with sudo when not root. macOS: brew.
 set -euo pipefail
 
 debian_packages() {
   case $1 in
     build) echo g++ cmake make pkg-config gettext libcli11-dev libgtest-dev nettle-dev ;;
-    check) echo clang clang-format clang-tidy ;;
+    check) echo clang clang-format clang-tidy cppcheck ;;
     bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
     coverage) echo gcovr ;;
     docs) echo doxygen ;;
@@ -21,7 +20,7 @@ debian_packages() {
 brew_packages() {
   case $1 in
     build) echo cmake pkg-config cli11 googletest gettext nettle ;;
-    check) echo llvm ;;
+    check) echo llvm cppcheck ;;
     bench) echo google-benchmark abseil glib openssl ;;
     coverage) echo gcovr ;;
     docs) echo doxygen ;;
