@@ -11,6 +11,7 @@
 #include "harness/faults.h"
 #include "harness/leakcheck.h"
 #include "harness/tempdir.h"
+#include "support/descriptor.h"
 #include "support/osx_show_in_file_manager.h"
 
 using namespace std::string_literals;
@@ -84,7 +85,7 @@ TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
   EXPECT_EQ(mknod((top + "/u/bus").c_str(), S_IFSOCK | 0600, 0), 0);
   std::ofstream(top + "/" + kName) << "";
   std::fstream calls(top + "/calls");
-  (void)dup2(STDERR_FILENO, 900);
+  const GXSupport::UniqueFd inherited(dup2(STDERR_FILENO, 900));
   // Whichever standard descriptors the client has closed.
   for (int closed = 0; closed < 8; ++closed) {
     EXPECT_TRUE(PassesInChild([&] {
