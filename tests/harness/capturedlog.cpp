@@ -4,10 +4,8 @@
 
 #include "support/logfile.h"
 
-// Logfile::Log(std::string, int)
-#define LOG "_ZN7Logfile3LogENSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEEi"
-extern "C" void RealLog(Logfile*, std::string, int) __asm__("__real_" LOG);
-extern "C" void WrappedLog(Logfile*, std::string, int) __asm__("__wrap_" LOG);
+extern "C" void RealLog(Logfile*, std::string, int) __asm__("__real_" LOG_SYMBOL);
+extern "C" void WrappedLog(Logfile*, std::string, int) __asm__("__wrap_" LOG_SYMBOL);
 
 void WrappedLog(Logfile* log, std::string message, int level) {
   CapturedLog* captured = CapturedLog::current;
