@@ -7,7 +7,7 @@ set -euo pipefail
 debian_packages() {
   case $1 in
     build) echo g++ cmake make pkg-config gettext libcli11-dev libgtest-dev nettle-dev ;;
-    check) echo clang clang-format clang-tidy cppcheck ;;
+    check) echo clang clang-format clang-tidy cppcheck locales ;;
     libcxx) echo clang libc++-dev libc++abi-dev googletest ;;
     valgrind) echo valgrind libc6-dbg ;;
     bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
