@@ -19,9 +19,8 @@ export VALGRIND_OPTS="--soname-synonyms=somalloc=nouserintercepts --run-libc-fre
   --run-cxx-freeres=no --track-fds=yes --leak-check=full --show-leak-kinds=definite,indirect
   --errors-for-leak-kinds=definite,indirect --error-exitcode=99 --log-fd=9"
 
-# MemoryLimitEndsACapture: valgrind needs the address space itself. ThreadsDoNotDisturbEachOther: a
-# child forked between threads has lost what only the stacks of the others pointed to.
-export GTEST_FILTER=-Hostile.MemoryLimitEndsACapture:Hostile.ThreadsDoNotDisturbEachOther
+# A child forked between threads has lost what only the stacks of the others pointed to.
+export GTEST_FILTER=-Hostile.ThreadsDoNotDisturbEachOther
 
 if [ "${1:-}" = --transcript ]; then
   echo 'gxutil() { valgrind "$(type -P gxutil)" "$@" 9>>"$reports/gxutil.log"; }' >"$reports/gxutil.bash"
