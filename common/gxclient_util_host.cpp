@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "support/descriptor.h"
+#include "support/environment.h"
 #include "support/exportdata.h"
 #include "support/gxclient_prefix.h"
 #include "support/osx_show_in_file_manager.h"
@@ -126,8 +127,7 @@ int UnlinkOrTruncate(const char* path) { return unlink(path); }
 std::string winGetTempDir() { return {}; }
 
 std::string calcHomeDir(std::string user) {
-  const char* variable = std::getenv("HOME");
-  std::string home = variable != nullptr ? variable : "";
+  std::string home = GXSupport::Environment("HOME");
   if (home == "/") home = HomeOfUser(Transcode("UTF-8", "", std::move(user)));
   (void)CheckCreateDir(home + "/" + kPerUserDirectory, false);
   return home;

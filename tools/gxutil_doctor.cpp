@@ -27,6 +27,7 @@
 #include "gxclient_util.h"
 #include "gxutil.h"
 #include "gxutil_doctor.h"
+#include "support/environment.h"
 #include "support/gxclient_prefix.h"
 
 namespace gxutil {
@@ -84,7 +85,7 @@ Fact RunningUser() {
 
 // As calcHomeDir(), which would make the per-user directory.
 std::string HomeDirectory() {
-  std::string home = Environment("HOME");
+  std::string home = GXSupport::Environment("HOME");
   if (home != "/") return home;
   const std::string user = GXUtils::Transcode("UTF-8", "", GXUtils::calcRunningUser());
   const passwd* entry = getpwnam(user.c_str());
@@ -262,11 +263,6 @@ int Examine() {
 }
 
 }  // namespace
-
-std::string Environment(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value != nullptr ? value : "";
-}
 
 void AddDoctorCommand(CLI::App& app) {
   Add(app, "doctor", "Print what the module finds on this machine; '!' marks what is wrong",

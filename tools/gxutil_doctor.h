@@ -12,9 +12,6 @@ struct Fact {
   std::string trouble = {};
 };
 
-/// The variable's value; one that is not set counts as empty.
-std::string Environment(const char* variable);
-
 /// What ShowInFileManager() finds. That there is no desktop is no trouble: this may be a server.
 Fact Opener();
 Fact Display();

@@ -1,25 +1,14 @@
 // The desktop, as ShowInFileManager() finds it. Nothing is started: neither a bus nor a file manager.
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "gxclient_util.h"
 #include "gxutil_doctor.h"
+#include "support/environment.h"
 
 namespace gxutil {
 namespace {
 
-// Where ShowInFileManager() finds a bus; empty where it finds none.
-std::string SessionBusAddress() {
-  std::string address = Environment("DBUS_SESSION_BUS_ADDRESS");
-  const std::string directory = Environment("XDG_RUNTIME_DIR");
-  if (!address.empty() || directory.empty()) return address;
-  const std::string bus = directory + "/bus";
-  struct stat info {};
-  const bool owned =
-      lstat(bus.c_str(), &info) == 0 && S_ISSOCK(info.st_mode) && info.st_uid == getuid();
-  return owned ? bus : "";
-}
+using GXSupport::Environment;
+using GXSupport::SessionBusAddress;
 
 // Whether the bus answers a question about its names. dbus-send itself waits without end for a bus
 // that accepts connections and says nothing.

@@ -1,19 +1,19 @@
 #include "support/osx_show_in_file_manager.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "support/child.h"
 #include "support/descriptor.h"
+#include "support/environment.h"
 
 namespace {
 
@@ -176,22 +176,6 @@ int Show(const std::string& path) {
 
 #else
 
-// The variable's value; one that is not set counts as empty.
-std::string Environment(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value != nullptr ? value : "";
-}
-
-// The same test that dbus-send makes: where it finds no bus it starts one of its own, which stays.
-bool HasSessionBus() {
-  if (!Environment("DBUS_SESSION_BUS_ADDRESS").empty()) return true;
-  const std::string directory = Environment("XDG_RUNTIME_DIR");
-  if (directory.empty()) return false;
-  struct stat info {};
-  return lstat((directory + "/bus").c_str(), &info) == 0 && S_ISSOCK(info.st_mode) &&
-         info.st_uid == getuid();
-}
-
 bool StandsForItself(char byte) {
   if (byte >= 'A' && byte <= 'Z') return true;
   if (byte >= 'a' && byte <= 'z') return true;
@@ -227,7 +211,7 @@ bool IsNoReply(const std::string& errors) {
 }
 
 int AskFileManager(const std::string& path) {
-  if (!HasSessionBus()) return kNotShown;
+  if (GXSupport::SessionBusAddress().empty()) return kNotShown;
   const std::string items = "array:string:" + FileUri(path);
   // Without --print-reply it waits for no answer.
   const char* const argv[] = {"dbus-send",
@@ -254,6 +238,7 @@ std::string FolderOf(const std::string& path) {
 
 // xdg-open may not come back before the window is closed, so it is not waited for.
 int OpenFolder(const std::string& folder) {
+  using GXSupport::Environment;
   if ((Environment("DISPLAY") + Environment("WAYLAND_DISPLAY")).empty()) return kNotShown;
   const char* const argv[] = {"xdg-open", folder.c_str(), nullptr};
   return StartDetached(argv) ? kShown : kNotShown;
