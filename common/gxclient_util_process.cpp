@@ -26,6 +26,7 @@
 namespace GXUtils {
 namespace {
 
+using GXSupport::Child;
 using GXSupport::CloseRange;
 using GXSupport::kFirstInheritedFd;
 using GXSupport::LeaveChild;
@@ -78,25 +79,6 @@ class DefaultSigchld {
   bool installed_ = false;
 };
 
-// Owns a child that has to be waited for. The destructor reaps it where Wait() was not reached.
-class Child {
- public:
-  Child() = default;
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
-  ~Child() {
-    if (pid_ > 0) Reap(pid_);
-  }
-
-  void Own(pid_t pid) { pid_ = pid; }
-
-  // Waits once: an interrupted wait is not retried, on purpose, and leaves the child to itself.
-  bool Wait(int* status) { return waitpid(std::exchange(pid_, -1), status, 0) >= 0; }
-
- private:
-  pid_t pid_ = -1;
-};
-
 // Runs in the forked child. Only plain calls on values prepared before the fork.
 [[noreturn]] void ExecCaptured(const char* const* argv, Pipe& capture) {
   capture.readEnd.Reset();
@@ -140,8 +122,8 @@ struct DetachedPipes {
   Pipe error;
 };
 
-// Ends the calling child in a second. The caller waits for it, and what stands behind std::cerr may
-// be a full pipe that the caller itself reads, or a buffer whose lock another thread held.
+// Gives this child one second to live: the parent waits for it, and writing to std::cerr may block
+// for ever, on a full pipe that the parent reads or on a lock that another thread held at the fork.
 void LimitLifetime() {
   (void)std::signal(SIGALRM, SIG_DFL);
   sigset_t timeout;

@@ -1,10 +1,12 @@
 /// @file
-/// Private to the two libraries and not installed: what their forked children share. What a child
-/// calls makes plain system calls only, as another thread may have held any lock at the fork.
+/// Private to the two libraries and not installed: what runs in a forked child, and its owner in
+/// the parent. A child makes plain system calls only, as another thread may have held any lock at
+/// the fork.
 #pragma once
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include <sys/types.h>
 #include <sys/wait.h>
@@ -19,8 +21,8 @@ extern "C" void __gcov_dump();
 
 namespace GXSupport {
 
-// Closes the descriptors from `first` to `last`: with one call, or where the system does not know
-// it or refuses it with a loop, which gives up at a number that no ordinary limit reaches.
+// Closes the descriptors from `first` to `last` with one system call. Where the system does not
+// know that call or refuses it, a loop does it, up to a number that no ordinary limit reaches.
 inline void CloseRange(int first, int last) {
   constexpr int kEndOfLoop = 65536;
   if (first > last) return;
@@ -38,11 +40,30 @@ inline void CloseRange(int first, int last) {
   _exit(status);  // GCOVR_EXCL_LINE: the counters are written by now
 }
 
-// In the parent: waits for a child to its end, whatever interrupts. That somebody else has reaped
-// it is fine.
+// In the parent: waits for the child's end, through all interruptions. Somebody else may have
+// reaped it already.
 inline void Reap(pid_t pid) {
   while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
   }
 }
+
+// Owns a child that has to be waited for. The destructor reaps it where Wait() was not reached.
+class Child {
+ public:
+  Child() = default;
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child() {
+    if (pid_ > 0) Reap(pid_);
+  }
+
+  void Own(pid_t pid) { pid_ = pid; }
+
+  // Waits once: an interrupted wait is not retried, on purpose, and leaves the child to itself.
+  bool Wait(int* status) { return waitpid(std::exchange(pid_, -1), status, 0) >= 0; }
+
+ private:
+  pid_t pid_ = -1;
+};
 
 }  // namespace GXSupport

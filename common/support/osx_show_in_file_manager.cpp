@@ -17,6 +17,7 @@
 
 namespace {
 
+using GXSupport::Child;
 using GXSupport::CloseRange;
 using GXSupport::kFirstInheritedFd;
 using GXSupport::LeaveChild;
@@ -40,18 +41,6 @@ struct Launch {
   const char* const* argv;
   int report;       // the pipe to the parent
   int errorOutput;  // the pipe that the program has as its standard error, -1 for none
-};
-
-// Owns a child, which the destructor waits for. That somebody else has reaped it is fine.
-struct ReapedChild {
-  pid_t pid = -1;
-
-  ReapedChild() = default;
-  ReapedChild(const ReapedChild&) = delete;
-  ReapedChild& operator=(const ReapedChild&) = delete;
-  ~ReapedChild() {
-    if (pid > 0) GXSupport::Reap(pid);
-  }
 };
 
 // The functions from here to Detach() run in the forked child: only plain calls on values prepared
@@ -133,14 +122,15 @@ std::string ReadAll(int fd) {
 
 // Runs the program to its end and takes what it writes to its standard error.
 char Run(const char* const* argv, std::string* errors) {
-  ReapedChild child;  // first: reaped once the pipes are closed
+  Child child;  // first: reaped once the pipes are closed
   Pipe report;
   Pipe errorOutput;
   if (!report.Open() || !errorOutput.Open()) return kFailed;
   const Launch launch = {argv, report.writeEnd.Get(), errorOutput.writeEnd.Get()};
-  child.pid = fork();
-  if (child.pid < 0) return kFailed;
-  if (child.pid == 0) Supervise(launch);
+  const pid_t pid = fork();
+  if (pid < 0) return kFailed;
+  if (pid == 0) Supervise(launch);
+  child.Own(pid);
 
   report.writeEnd.Reset();
   errorOutput.writeEnd.Reset();
@@ -152,13 +142,14 @@ char Run(const char* const* argv, std::string* errors) {
 // Starts the program and waits for nothing but its exec, which closes the report. macOS has no use
 // for it.
 [[maybe_unused]] bool StartDetached(const char* const* argv) {
-  ReapedChild child;
+  Child child;
   Pipe report;
   if (!report.Open()) return false;
   const Launch launch = {argv, report.writeEnd.Get(), -1};
-  child.pid = fork();
-  if (child.pid < 0) return false;
-  if (child.pid == 0) Detach(launch);
+  const pid_t pid = fork();
+  if (pid < 0) return false;
+  if (pid == 0) Detach(launch);
+  child.Own(pid);
 
   report.writeEnd.Reset();
   return ReadAll(report.readEnd.Get()).empty();
