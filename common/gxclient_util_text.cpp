@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -37,8 +36,8 @@ std::string_view Trim(std::string_view text, const ByteSet& set) {
   return text;
 }
 
-// Finds one byte in a text from a position on that only grows: however often it is asked, it looks
-// at each byte of the text once.
+// Finds one byte in a text, each time from the same position or a later one. However often it is
+// asked, it looks at each byte of the text once.
 class ForwardFinder {
  public:
   ForwardFinder(std::string_view text, char wanted) : text_(text), wanted_(wanted) { Search(0); }
@@ -72,7 +71,7 @@ class SpecialFinder {
   ForwardFinder escape_;
 };
 
-// Looks at every byte, without a way out of the loop: that is what compilers can vectorise.
+// Looks at every byte, also after the first hit: compilers vectorise a loop that has no early exit.
 bool HasSpecial(std::string_view text, char separator) {
   unsigned char special = 0;
   for (const char byte : text) {
@@ -93,6 +92,19 @@ void AppendEscaped(std::string& text, const std::string& element, char separator
   }
 }
 
+// Adds an element to the list. `unescaped` holds its bytes up to its last escape and is emptied,
+// `rest` those after it.
+void AppendElement(std::list<std::string>& elements, std::string& unescaped,
+                   std::string_view rest) {
+  if (unescaped.empty()) {
+    elements.emplace_back(Trim(rest, kWhitespace));
+    return;
+  }
+  unescaped.append(rest);
+  elements.emplace_back(Trim(unescaped, kWhitespace));
+  unescaped.clear();
+}
+
 // The standard search is fast on short patterns, but compares the whole pattern at every candidate;
 // memmem() stays linear with long ones.
 constexpr std::size_t kShortPattern = 16;
@@ -105,8 +117,9 @@ std::size_t FindPattern(std::string_view text, std::string_view pattern, std::si
   return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
 }
 
-// Replaces from the first place `found` on, within the text: the result nowhere gets ahead of what
-// is still to be read, as `inserted` is not longer than `wanted`. Neither may be part of the text.
+// Replaces within the memory of the text; `found` is the first occurrence. As `inserted` is not
+// longer than `wanted`, nothing is overwritten before it has been read. Neither of the two may be
+// part of the text.
 void ReplaceInPlace(std::string& text, std::size_t found, std::string_view wanted,
                     std::string_view inserted) {
   std::size_t end = found;  // of the result
@@ -122,7 +135,8 @@ void ReplaceInPlace(std::string& text, std::size_t found, std::string_view wante
   text.resize(end);
 }
 
-// Appends to `lines` what `text` completes; `open` is the line begun before, and then the rest.
+// Appends the lines that `text` completes to `lines`. `open` is the unfinished line: on entry what
+// came before `text`, on return what stands after the last line end.
 void CutLines(std::string_view text, std::string& open, std::vector<std::string>& lines) {
   for (;;) {
     const std::size_t end = text.find('\n');
@@ -196,13 +210,14 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
 std::vector<std::string> StringLines(const char* chunk, std::string* pending) {
   const std::string_view added = chunk;
   std::vector<std::string> lines;
-  const bool ownLineEnds = pending->find('\n') != std::string::npos;  // a caller's own tail
-  if (!ownLineEnds && added.find('\n') == std::string_view::npos) {
+  // StringLines() leaves none there, but the caller may have put some.
+  const bool pendingHasLineEnds = pending->find('\n') != std::string::npos;
+  if (!pendingHasLineEnds && added.find('\n') == std::string_view::npos) {
     pending->append(added);
     return lines;
   }
   lines.reserve(static_cast<std::size_t>(std::count(added.begin(), added.end(), '\n')));
-  if (ownLineEnds) {
+  if (pendingHasLineEnds) {
     const std::string tail = std::exchange(*pending, std::string());
     CutLines(tail, *pending, lines);
   }
@@ -210,11 +225,7 @@ std::vector<std::string> StringLines(const char* chunk, std::string* pending) {
   return lines;
 }
 
-std::string LongToString(long value) {
-  char text[32] = {};
-  (void)std::snprintf(text, sizeof text, "%ld", value);
-  return text;
-}
+std::string LongToString(long value) { return std::to_string(value); }
 
 std::string EncodeStringList(const std::list<std::string>& elements, char separator) {
   std::string joiner(1, separator);
@@ -236,22 +247,13 @@ bool DecodeStringList(const std::string& text, std::list<std::string>* output, c
   output->clear();
   if (Trim(text, kWhitespace).empty()) return true;
 
+  const std::string_view bytes = text;
   SpecialFinder special(text, separator);
   std::string unescaped;  // the element's bytes up to its last escape
   std::size_t start = 0;
-  const auto closeElement = [&](std::size_t end) {
-    const std::string_view rest(text.data() + start, end - start);
-    if (unescaped.empty()) {
-      output->emplace_back(Trim(rest, kWhitespace));
-      return;
-    }
-    unescaped.append(rest);
-    output->emplace_back(Trim(unescaped, kWhitespace));
-    unescaped.clear();
-  };
   for (std::size_t next = special.From(0); next != text.size(); next = special.From(start)) {
     if (text[next] != '\\') {
-      closeElement(next);
+      AppendElement(*output, unescaped, bytes.substr(start, next - start));
       start = next + 1;
       continue;
     }
@@ -268,7 +270,7 @@ bool DecodeStringList(const std::string& text, std::list<std::string>* output, c
     unescaped += escaped;
     start = next + 2;
   }
-  closeElement(text.size());
+  AppendElement(*output, unescaped, bytes.substr(start));
   return true;
 }
 
