@@ -42,8 +42,9 @@ constexpr std::array<Byte, 256> MakeValueTable() {
 constexpr std::array<Byte, 256> kValues = MakeValueTable();
 static_assert(kValues['='] == kPad, "\"=\" counts with its position in the arithmetic");
 
-// For each of the four characters of a group its six bits in place, counted from the highest bit
-// down, so that "or" joins them. kSpecial instead for "=" and what is not in the alphabet.
+// For each of the four characters of a group its six bits, shifted to their place in the group's 24
+// bits, so that "or" joins them. These are the upper 24: kSpecial, for "=" and what is not in the
+// alphabet, is one of the lower eight.
 using GroupTable = std::array<std::array<std::uint32_t, 256>, 4>;
 constexpr std::uint32_t kSpecial = 1;
 
@@ -101,7 +102,7 @@ void PutPair(char* out, std::uint64_t bits) {
   std::copy_n(kPairs[bits & 4095].digits, sizeof(DigitPair), out);
 }
 
-// Encodes six bytes; reads two more.
+// Encodes six bytes. It reads two more, which have to be there and do not count.
 void EncodeSix(const Byte* in, char* out) {
   const std::uint64_t bits = LoadBigEndian(in);
   PutPair(out, bits >> 52);
@@ -123,6 +124,7 @@ void EncodeGroup(const Byte* in, std::size_t count, char* out) {
 constexpr std::size_t EncodedSize(std::size_t size) { return (size + 2) / 3 * 4; }
 
 void EncodeInto(char* out, const Byte* in, std::size_t size) {
+  // Two at a time read 14 bytes: the 12 that they encode and the 2 behind them.
   for (; size >= 14; size -= 12, in += 12, out += 16) {
     EncodeSix(in, out);
     EncodeSix(in + 6, out + 8);
@@ -132,13 +134,14 @@ void EncodeInto(char* out, const Byte* in, std::size_t size) {
 }
 
 std::string Encode(const Byte* in, std::size_t size) {
-  constexpr std::size_t kPieceSize = 3072;
+  constexpr std::size_t kPieceSize = 3072;  // a multiple of 3: only the last piece is padded
   if (size <= kPieceSize) {
     std::string text(EncodedSize(size), '\0');
     EncodeInto(text.data(), in, size);
     return text;
   }
-  // Growing by pieces keeps what the string fills with zeros in the cache until it is written.
+  // resize() fills with zeros first: piece by piece, they are still in the cache when the text is
+  // written over them.
   std::string text;
   text.reserve(EncodedSize(size));
   for (std::size_t done = 0; done < size; done += kPieceSize) {

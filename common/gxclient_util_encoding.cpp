@@ -109,9 +109,10 @@ std::size_t KeepAscii(const char* in, std::size_t inlen, char* out, std::size_t 
   return static_cast<std::size_t>(next - out);
 }
 
-// Transcode() without touching the part of `out` that is not written. Returns what is written.
-std::size_t Convert(const char* from, const char* to, const char* in, std::size_t inlen, char* out,
-                    std::size_t outlen) {
+// Converts, with every log line that Transcode() promises. Leaves the part of `out` behind the
+// converted text as it is, and returns the size of that text.
+std::size_t ConvertAndReport(const char* from, const char* to, const char* in, std::size_t inlen,
+                             char* out, std::size_t outlen) {
   const Conversion done = ConvertOnce(from, to, in, inlen, out, outlen);
   if (done.opened) {
     Report(done);
@@ -123,7 +124,7 @@ std::size_t Convert(const char* from, const char* to, const char* in, std::size_
   return KeepAscii(in, inlen, out, outlen);
 }
 
-// Room for `perByte` bytes for each of `count` and some more, not initialised.
+// A buffer of `count` * `perByte` + `more` bytes, not initialised.
 class Scratch {
  public:
   Scratch(std::size_t count, std::size_t perByte, std::size_t more) {
@@ -136,7 +137,7 @@ class Scratch {
 
  private:
   std::size_t size_;
-  char small_[256];  // enough for a name or a label
+  char small_[256];  // enough for a name or a label, which then need no allocation
   std::unique_ptr<char[]> large_;
 };
 
@@ -173,7 +174,7 @@ void Transcode(const char* from, const char* to, const void* in, unsigned long i
   char nothing = '\0';  // iconv() takes no null pointer, not even for an empty buffer
   char* buffer = outlen == 0 ? &nothing : static_cast<char*>(out);
   std::memset(buffer, 0, outlen);
-  (void)Convert(from, to, static_cast<const char*>(in), inlen, buffer, outlen);
+  (void)ConvertAndReport(from, to, static_cast<const char*>(in), inlen, buffer, outlen);
 }
 
 std::string Transcode(const char* from, const char* to, std::string in) {
@@ -181,7 +182,7 @@ std::string Transcode(const char* from, const char* to, std::string in) {
   to = Normalised(to);
   Scratch scratch(in.size(), 4, 8);
   const std::size_t written =
-      Convert(from, to, in.data(), in.size(), scratch.Bytes(), scratch.Size());
+      ConvertAndReport(from, to, in.data(), in.size(), scratch.Bytes(), scratch.Size());
   in.assign(scratch.Bytes(), TextSize(scratch.Bytes(), written));  // often fits where the input was
   return in;
 }
@@ -190,10 +191,10 @@ std::string ToLower(std::string text) {
   Scratch wide(text.size(), 2, 4);
   Scratch narrow(text.size(), 1, 2);
   const std::size_t widened =
-      Convert("UTF-8", "UCS-2LE", text.data(), text.size(), wide.Bytes(), wide.Size());
+      ConvertAndReport("UTF-8", "UCS-2LE", text.data(), text.size(), wide.Bytes(), wide.Size());
   const std::size_t lowered = LowerUnits(wide.Bytes(), widened);
   const std::size_t written =
-      Convert("UCS-2LE", "UTF-8", wide.Bytes(), lowered, narrow.Bytes(), narrow.Size());
+      ConvertAndReport("UCS-2LE", "UTF-8", wide.Bytes(), lowered, narrow.Bytes(), narrow.Size());
   text.assign(narrow.Bytes(), TextSize(narrow.Bytes(), written));
   return text;
 }
