@@ -75,7 +75,7 @@ struct FileCloser {
 };
 using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
 
-// Beyond the range of int: its nearest end.
+// A value beyond the range of int becomes the nearest end of that range.
 int SaturatedInt(std::int64_t value) {
   return static_cast<int>(std::clamp<std::int64_t>(value, INT_MIN, INT_MAX));
 }
@@ -116,7 +116,7 @@ std::string GenerateTempFile(std::string name, int* fd) {
   path.resize(std::min(path.size(), kMaxTempPath));
   UniqueFd file(mkstemp(path.data()));
   const bool made = file.Get() >= 0;
-  if (made) (void)chmod(path.c_str(), kTempFileMode);
+  if (made) (void)chmod(path.c_str(), kTempFileMode);  // the umask may have left less
   if (fd != nullptr) *fd = file.Release();
   path.resize(made ? std::strlen(path.c_str()) : 0);
   return path;
