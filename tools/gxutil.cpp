@@ -96,7 +96,8 @@ std::function<char()> SeparatorOption(CLI::App& command) {
 }
 
 Switch NullOption(CLI::App& command) {
-  const CLI::Option* flag = command.add_flag("-0,--null", "End each with NUL, not a line feed");
+  const CLI::Option* flag =
+      command.add_flag("-0,--null", "End each item with NUL, not a line feed");
   return [flag] { return flag->count() != 0; };
 }
 

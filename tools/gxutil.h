@@ -34,7 +34,7 @@ Text Operand(CLI::App& command, const std::string& name, const std::string& help
 /// Declares an operand that is the whole standard input where it is not given.
 Text Input(CLI::App& command, const std::string& name, const std::string& help);
 
-/// Declares "-s, --separator": one byte, or "\\0" for NUL; the comma by default.
+/// Declares "-s, --separator": one byte, or "\0" for NUL; the comma by default.
 std::function<char()> SeparatorOption(CLI::App& command);
 
 /// Declares "-0, --null" of the commands that print a list.

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
+#include <numeric>
 #include <system_error>
 
 #include <fcntl.h>
@@ -72,7 +73,7 @@ Fact Encoding() {
   const std::string name = nl_langinfo(CODESET);
   if (!Converts("", "UTF-8")) return {name, "iconv does not convert it to UTF-8"};
   if (!Converts("UTF-8", "")) return {name, "iconv does not convert UTF-8 to it"};
-  const bool drops = Converts("UTF-8", "//IGNORE");
+  const bool drops = Converts("UTF-8", "//IGNORE");  // as Transcode() opens the locale's encoding
   return {name + (drops ? ", drops" : ", stops at") + " characters it does not have"};
 }
 
@@ -117,7 +118,7 @@ Fact SearchPath() {
   for (const std::string& entry : GXUtils::SplitString(path, ':')) {
     const std::string trouble = DirectoryTrouble(entry, X_OK);
     searchable = searchable || trouble.empty();
-    if (entry.empty()) notes += " (an empty entry is /)";
+    if (entry.empty()) notes += " (an empty entry: / for Which, the working directory for System)";
     if (!trouble.empty()) notes.append(" (").append(entry).append(": ").append(trouble) += ")";
   }
   return {path + notes, searchable ? "" : "no entry can be searched"};
@@ -151,7 +152,10 @@ std::vector<int> OpenDescriptors() {
        entry.increment(error)) {
     candidates.push_back(std::atoi(entry->path().filename().c_str()));
   }
-  for (int fd = 0; error && fd < 65536; ++fd) candidates.push_back(fd);
+  if (error) {
+    candidates.resize(65536);
+    std::iota(candidates.begin(), candidates.end(), 0);
+  }
   std::vector<int> open;  // without that of the list itself, which is closed by now
   std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(open), IsOpen);
   return open;
@@ -269,8 +273,8 @@ void AddDoctorCommand(CLI::App& app) {
       [](CLI::App& command) {
         command.footer(
             "Makes nothing but a file in /tmp, which it removes again. The exit status is 1\n"
-            "where a line is marked. A fact that takes too long, such as one on a dead\n"
-            "network mount, ends it after 30 seconds: it is the one after the last line.");
+            "where a line is marked. Where a fact takes too long, as on a dead network mount,\n"
+            "the command ends after 30 seconds: the fact is the one after the last line.");
         return [] { return Examine(); };
       });
 }

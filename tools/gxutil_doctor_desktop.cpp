@@ -1,4 +1,4 @@
-// The desktop, as ShowInFileManager() finds it. Nothing is started: neither a bus nor a file manager.
+// The desktop, as ShowInFileManager() finds it. Neither a bus nor a file manager is started.
 
 #include "gxclient_util.h"
 #include "gxutil_doctor.h"

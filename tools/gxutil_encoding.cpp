@@ -24,6 +24,31 @@ std::string HexDigest(const std::string& data) {
   return text;
 }
 
+void AddCodecCommands(CLI::App& app) {
+  Add(app, "base64-encode", "Write bytes as Base64 text", [](CLI::App& command) {
+    const auto data = Input(command, "DATA", "The bytes");
+    return [=] { return PrintBytes(GXUtils::Base64Encode(data())); };
+  });
+  Add(app, "base64-decode", "Read Base64 text", [](CLI::App& command) {
+    const auto input = Input(command, "TEXT", "The text, without line ends");
+    return [=] {
+      const std::string text = input();
+      return PrintDecoded(text, GXUtils::Base64Decode(text));
+    };
+  });
+  Add(app, "hex-ascii-to-string", "Read hexadecimal digits", [](CLI::App& command) {
+    const auto input = Input(command, "TEXT", "The digits, without line ends");
+    return [=] {
+      const std::string text = input();
+      return PrintDecoded(text, GXUtils::HexASCIIToString(text));
+    };
+  });
+  Add(app, "sha256-digest", "Print the SHA-256 digest in hexadecimal", [](CLI::App& command) {
+    const auto data = Input(command, "DATA", "The bytes");
+    return [=] { return PrintLine(HexDigest(data())); };
+  });
+}
+
 }  // namespace
 
 void AddEncodingCommands(CLI::App& app) {
@@ -49,28 +74,7 @@ void AddEncodingCommands(CLI::App& app) {
     const auto text = Input(command, "TEXT", "The text");
     return [=] { return PrintBytes(GXUtils::ToLower(text())); };
   });
-  Add(app, "base64-encode", "Write bytes as Base64 text", [](CLI::App& command) {
-    const auto data = Input(command, "DATA", "The bytes");
-    return [=] { return PrintBytes(GXUtils::Base64Encode(data())); };
-  });
-  Add(app, "base64-decode", "Read Base64 text", [](CLI::App& command) {
-    const auto input = Input(command, "TEXT", "The text, without line ends");
-    return [=] {
-      const std::string text = input();
-      return PrintDecoded(text, GXUtils::Base64Decode(text));
-    };
-  });
-  Add(app, "hex-ascii-to-string", "Read hexadecimal digits", [](CLI::App& command) {
-    const auto input = Input(command, "TEXT", "The digits, without line ends");
-    return [=] {
-      const std::string text = input();
-      return PrintDecoded(text, GXUtils::HexASCIIToString(text));
-    };
-  });
-  Add(app, "sha256-digest", "Print the SHA-256 digest in hexadecimal", [](CLI::App& command) {
-    const auto data = Input(command, "DATA", "The bytes");
-    return [=] { return PrintLine(HexDigest(data())); };
-  });
+  AddCodecCommands(app);
 }
 
 }  // namespace gxutil

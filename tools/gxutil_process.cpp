@@ -79,7 +79,7 @@ void AddProcessCommands(CLI::App& app) {
     const auto path = Operand(command, "PATH", "The file");
     return [=] { return PrintBool(GXUtils::CheckFileExist(path())); };
   });
-  Add(app, "check-file-executable", "Say whether you may execute a file", [](CLI::App& command) {
+  Add(app, "check-file-executable", "Say whether your execute bit is set", [](CLI::App& command) {
     const auto path = Operand(command, "PATH", "The file");
     return [=] { return PrintBool(GXUtils::CheckFileExecutable(path())); };
   });

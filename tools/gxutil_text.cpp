@@ -43,7 +43,7 @@ void AddListCommands(CLI::App& app) {
       return PrintBytes(GXUtils::EncodeStringList({list.begin(), list.end()}, separator()));
     };
   });
-  Add(app, "decode-string-list", "Read such a text back", [](CLI::App& command) {
+  Add(app, "decode-string-list", "Read back what encode-string-list wrote", [](CLI::App& command) {
     const auto text = Operand(command, "TEXT", "The text");
     const auto separator = SeparatorOption(command);
     const auto nul = NullOption(command);
