@@ -17,6 +17,7 @@ endfunction()
 # private to the target: a client keeps its own flags.
 function(gxclient_configure_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
+  # Shared libraries export everything, also in the build of a client that hides its own symbols.
   set_target_properties(${target} PROPERTIES
     CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET default

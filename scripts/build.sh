@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-preset=$1
+preset=${1:?which preset?}
 shift
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT

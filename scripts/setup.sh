@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what the project needs and this machine lacks, and says what it does.
 # usage: scripts/setup.sh [GROUP]...   (the groups are below; default: build, to compile and test)
-# Debian and Ubuntu: apt, with sudo when not root. macOS: brew.
+# Debian and Ubuntu: apt, with sudo when not root. macOS: brew. On another system it only names what
+# is needed, and the build says what it misses.
 set -euo pipefail
 
 debian_packages() {
@@ -44,7 +45,8 @@ install_debian() {
 install_brew() { brew install "$@"; }
 
 [ $# -gt 0 ] || set -- build
-if [ "$(uname)" = Darwin ]; then system=brew; else system=debian; fi
+system=debian manager=dpkg-query
+[ "$(uname)" != Darwin ] || system=brew manager=brew
 
 wanted=
 for name in "$@"; do
@@ -53,6 +55,11 @@ for name in "$@"; do
 done
 # shellcheck disable=SC2086  # one word a package
 wanted=$(printf '%s\n' $wanted | sort -u)
+if ! command -v "$manager" >/dev/null; then
+  # shellcheck disable=SC2086
+  echo "setup.sh: without $manager nothing is installed; needed:" $wanted >&2
+  exit 0
+fi
 missing=$(comm -23 <(echo "$wanted") <("installed_$system" | sort -u))
 [ -n "$missing" ] || exit 0
 

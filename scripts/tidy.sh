@@ -4,6 +4,11 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+command -v clang-tidy >/dev/null || {
+  echo "tidy.sh: clang-tidy is missing; scripts/setup.sh check installs it" >&2
+  exit 1
+}
 scripts/build.sh clang
+# Findings go to the standard output; the standard error only counts what was suppressed.
 git ls-files -z 'common/*.cpp' 'tools/*.cpp' 'tests/*.cpp' 'fuzz/*.cpp' ':!tests/install' |
   xargs -0 -n 1 -P "$(getconf _NPROCESSORS_ONLN)" clang-tidy -p build/clang --quiet 2>/dev/null
