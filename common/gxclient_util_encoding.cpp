@@ -22,7 +22,7 @@ namespace {
 constexpr std::size_t kIconvFailed = static_cast<std::size_t>(-1);
 
 // An encoding's name as iconv gets it: the 16-bit encodings are read and written in little-endian
-// order, without a byte order mark.
+// order, without a byte order mark. The result is a literal or `name` itself.
 const char* Normalised(const char* name) {
   if (name == nullptr) throw std::logic_error("an encoding's name is null");
   if (name == "UTF-16"sv) return "UTF-16LE";
@@ -169,12 +169,13 @@ std::size_t LowerUnits(char* bytes, std::size_t size) {
 
 void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
                unsigned long outlen) {
-  from = Normalised(from);
-  to = Normalised(to);
-  char nothing = '\0';  // iconv() takes no null pointer, not even for an empty buffer
+  const std::string source = Normalised(from);  // copies: a name may stand in `out`
+  const std::string target = Normalised(to);
+  char nothing = '\0';  // iconv() aborts on a null output and takes a null input for a reset
+  const char* text = inlen == 0 ? &nothing : static_cast<const char*>(in);
   char* buffer = outlen == 0 ? &nothing : static_cast<char*>(out);
   std::memset(buffer, 0, outlen);
-  (void)ConvertAndReport(from, to, static_cast<const char*>(in), inlen, buffer, outlen);
+  (void)ConvertAndReport(source.c_str(), target.c_str(), text, inlen, buffer, outlen);
 }
 
 std::string Transcode(const char* from, const char* to, std::string in) {
