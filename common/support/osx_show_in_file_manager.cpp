@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -109,14 +110,37 @@ void TakeSignals() {
 
 // Back in the parent.
 
+// Appends what has arrived, waiting for it; false at the end.
+bool AppendPiece(int fd, std::string* text) {
+  char piece[512];
+  const ssize_t count = read(fd, piece, sizeof piece);
+  if (count < 0) return errno == EINTR;
+  text->append(piece, static_cast<std::size_t>(count));
+  return count > 0;
+}
+
 std::string ReadAll(int fd) {
   std::string all;
-  char piece[512];
+  while (AppendPiece(fd, &all)) {
+  }
+  return all;
+}
+
+// Reads the report to its end, and first what the program has written by then: its error output may
+// have no end, since what the program has started may hold it.
+std::string ReadReport(int report, int errorOutput, std::string* errors) {
+  std::string said;
+  pollfd ends[] = {{errorOutput, POLLIN, 0}, {report, POLLIN, 0}};
   for (;;) {
-    const ssize_t count = read(fd, piece, sizeof piece);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return all;
-    all.append(piece, static_cast<std::size_t>(count));
+    if (poll(ends, 2, -1) < 0) {
+      if (errno == EINTR) continue;
+      return said;
+    }
+    if (ends[0].revents != 0) {
+      if (!AppendPiece(errorOutput, errors)) ends[0].fd = -1;
+    } else if (!AppendPiece(report, &said)) {
+      return said;
+    }
   }
 }
 
@@ -134,8 +158,7 @@ char Run(const char* const* argv, std::string* errors) {
 
   report.writeEnd.Reset();
   errorOutput.writeEnd.Reset();
-  *errors = ReadAll(errorOutput.readEnd.Get());
-  const std::string said = ReadAll(report.readEnd.Get());
+  const std::string said = ReadReport(report.readEnd.Get(), errorOutput.readEnd.Get(), errors);
   return said.empty() ? kFailed : said[0];
 }
 
