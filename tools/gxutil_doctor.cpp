@@ -180,16 +180,16 @@ Fact Descriptors() {
   rlimit limit{};
   (void)getrlimit(RLIMIT_NOFILE, &limit);
   const std::vector<int> open = OpenDescriptors();
-  rlim_t used = 0;
+  rlim_t taken = STDERR_FILENO + 1;  // also where one of these is closed: no pipe end stays there
   int above = 0;
   for (const int fd : open) {
-    if (static_cast<rlim_t>(fd) < limit.rlim_cur) ++used;
+    if (fd > STDERR_FILENO && static_cast<rlim_t>(fd) < limit.rlim_cur) ++taken;
     if (fd > kLastClosedFd) ++above;
   }
   const std::string value = std::to_string(open.size()) + " open, " + std::to_string(above) +
                             " above 1023; limit " + LimitText(limit.rlim_cur) + ", at most " +
                             LimitText(limit.rlim_max);
-  return {value, limit.rlim_cur - used < kNeeded ? "too few are left to start a program" : ""};
+  return {value, limit.rlim_cur < taken + kNeeded ? "too few are left to start a program" : ""};
 }
 
 Fact TemporaryFile() {
@@ -253,10 +253,19 @@ void PrintFact(const char* name, const Fact& fact) {
   (void)std::fflush(stdout);
 }
 
-int Examine() {
-  constexpr unsigned kLongest = 30;  // seconds: a dead network mount would hold us for ever
+// Ends the whole command in a while: a dead network mount would hold it for ever.
+void LimitLifetime() {
+  constexpr unsigned kLongest = 30;  // seconds
   (void)std::signal(SIGALRM, SIG_DFL);
+  sigset_t timeout;
+  sigemptyset(&timeout);
+  sigaddset(&timeout, SIGALRM);
+  (void)sigprocmask(SIG_UNBLOCK, &timeout, nullptr);
   (void)alarm(kLongest);
+}
+
+int Examine() {
+  LimitLifetime();
   int status = 0;
   for (const Question& question : kQuestions) {
     const Fact fact = question.answer();

@@ -58,8 +58,9 @@ Fact FileManager() {
   constexpr char kName[] = "\"org.freedesktop.FileManager1\"";
   const std::string address = SessionBusAddress();
   if (address.empty()) return {"not asked: there is no session bus"};
-  if (address.find("autolaunch:") != std::string::npos) {
-    return {"not asked: dbus-send would start a bus"};
+  for (const char* method : {"autolaunch:", "unixexec:"}) {
+    if (address.find(method) == std::string::npos) continue;
+    return {"not asked: dbus-send would start a program"};
   }
   for (const char* program : {"dbus-send", "timeout"}) {
     if (GXUtils::Which(program).empty()) return {std::string("not asked: there is no ") + program};
