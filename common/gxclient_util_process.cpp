@@ -30,6 +30,7 @@ using GXSupport::Child;
 using GXSupport::CloseRange;
 using GXSupport::kFirstInheritedFd;
 using GXSupport::LeaveChild;
+using GXSupport::LimitLifetime;
 using GXSupport::Pipe;
 using GXSupport::Reap;
 using GXSupport::UniqueFd;
@@ -122,17 +123,6 @@ struct DetachedPipes {
   Pipe error;
 };
 
-// Gives this child one second to live: the parent waits for it, and writing to std::cerr may block
-// for ever, on a full pipe that the parent reads or on a lock that another thread held at the fork.
-void LimitLifetime() {
-  (void)std::signal(SIGALRM, SIG_DFL);
-  sigset_t timeout;
-  sigemptyset(&timeout);
-  sigaddset(&timeout, SIGALRM);
-  (void)sigprocmask(SIG_UNBLOCK, &timeout, nullptr);
-  (void)alarm(1);
-}
-
 // Runs in the forked child. Only plain calls on values prepared before the fork, but for the error
 // text, which goes through std::cerr; the C library makes its streams usable again in a child.
 [[noreturn]] void ExecDetached(const char* const* argv, DetachedPipes& pipes,
@@ -146,7 +136,9 @@ void LimitLifetime() {
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   const int error = errno;
   (void)!write(pipes.status.writeEnd.Get(), "e", 1);
-  LimitLifetime();
+  // The parent waits for this child, and writing to std::cerr may block for ever: on a full pipe
+  // that the parent reads, or on a lock that another thread held at the fork.
+  LimitLifetime(1);
   // What the client had buffered in std::cout is the client's to write, nothing may throw here, and
   // what the client has set on the stream does not touch this text.
   std::cerr.tie(nullptr);

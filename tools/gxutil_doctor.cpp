@@ -28,6 +28,7 @@
 #include "gxclient_util.h"
 #include "gxutil.h"
 #include "gxutil_doctor.h"
+#include "support/child.h"
 #include "support/environment.h"
 #include "support/gxclient_prefix.h"
 
@@ -253,19 +254,9 @@ void PrintFact(const char* name, const Fact& fact) {
   (void)std::fflush(stdout);
 }
 
-// Ends the whole command in a while: a dead network mount would hold it for ever.
-void LimitLifetime() {
-  constexpr unsigned kLongest = 30;  // seconds
-  (void)std::signal(SIGALRM, SIG_DFL);
-  sigset_t timeout;
-  sigemptyset(&timeout);
-  sigaddset(&timeout, SIGALRM);
-  (void)sigprocmask(SIG_UNBLOCK, &timeout, nullptr);
-  (void)alarm(kLongest);
-}
-
 int Examine() {
-  LimitLifetime();
+  constexpr unsigned kLongest = 30;  // seconds: a dead network mount would hold it for ever
+  GXSupport::LimitLifetime(kLongest);
   int status = 0;
   for (const Question& question : kQuestions) {
     const Fact fact = question.answer();
