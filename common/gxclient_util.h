@@ -5,6 +5,8 @@
 /// - A byte string is a std::string without an encoding; a NUL byte in it is ordinary data, except
 ///   where it becomes a path, a program name or an argument, which end at their first NUL byte. A
 ///   parameter of type const char* is NUL-terminated and not null; nor is an argument array.
+/// - What a function takes by value it works on: a text moved in is not copied, and the result may
+///   stand in its memory, with more capacity than it needs.
 /// - Pointers that return a result are optional unless the function says otherwise, and are written
 ///   only on the results that the function names.
 /// - Nothing is logged and nothing is thrown unless the function says so. Log lines go to
@@ -309,8 +311,6 @@ std::string Base64Encode(const unsigned char* data, unsigned long len);
 /// decoding; the groups after it are decoded as well. Bits that padding leaves over need not be
 /// zero.
 ///
-/// Works in the memory of its argument: a text moved in is not copied.
-///
 /// @return the bytes; the empty string for a text whose length is not a multiple of 4 or that holds
 ///         a byte which is neither a Base64 digit nor "=", such as a line break, and for the empty
 ///         text.
@@ -323,8 +323,6 @@ std::string Base64Decode(std::string text);
 /// locale or a sign may stand in for the first digit, as in " a", "+a" (both 0x0A) and "-1" (0xFF,
 /// the low 8 bits of the number), and a NUL byte ends a pair early. White space after a digit is
 /// refused.
-///
-/// Works in the memory of its argument: a text moved in is not copied.
 ///
 /// @return the bytes; the empty string for a text of odd length or with a pair that strtol() does
 ///         not read to its end, and for the empty text.

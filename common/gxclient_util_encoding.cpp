@@ -147,8 +147,6 @@ std::size_t TextSize(const char* bytes, std::size_t size) {
   return zero == nullptr ? size : static_cast<std::size_t>(static_cast<const char*>(zero) - bytes);
 }
 
-bool IsSurrogate(unsigned unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
-
 // Lowers the little-endian code units before the first zero one; returns the bytes they take.
 std::size_t LowerUnits(char* bytes, std::size_t size) {
   std::size_t at = 0;
@@ -157,7 +155,6 @@ std::size_t LowerUnits(char* bytes, std::size_t size) {
     const unsigned high = static_cast<unsigned char>(bytes[at + 1]);
     const unsigned unit = low | high << 8;
     if (unit == 0) break;
-    if (IsSurrogate(unit)) continue;
     const auto lowered = static_cast<unsigned>(std::towlower(unit));
     bytes[at] = static_cast<char>(lowered & 0xFF);
     bytes[at + 1] = static_cast<char>(lowered >> 8 & 0xFF);
