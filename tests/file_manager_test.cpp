@@ -50,7 +50,7 @@ void Show(const std::string& line, const std::string& path, const std::string& u
   words >> status >> programs >> call >> runs;
   SetEnvironment(words);
   for (int nth = 1; nth <= runs; ++nth) {
-    SCOPED_TRACE(line + " " + std::to_string(nth) + " " + path);
+    SCOPED_TRACE(testing::Message() << line << " " << nth << " " << path);
     const LeakCheck leaks;
     const Failing fault(call.c_str(), nth, EINTR);
     EXPECT_EQ(osxShowInFileManager(path), status);
