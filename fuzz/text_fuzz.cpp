@@ -39,7 +39,8 @@ void Check(std::string input) {
   assert(GXUtils::ReplaceInString(text, pattern, replacement) == expected && text == expected);
 
   // Both taken from the text itself.
-  const std::size_t half = own.size() / 2;
-  const std::string doubled = Replaced(own, own.c_str() + half, own.c_str());
-  assert(GXUtils::ReplaceInString(own, own.c_str() + half, own.c_str()) == doubled);
+  const char* start = own.c_str();
+  const char* middle = start + own.size() / 2;
+  const std::string doubled = Replaced(own, middle, start);
+  assert(GXUtils::ReplaceInString(own, middle, start) == doubled);
 }
