@@ -33,7 +33,8 @@ std::string Mutated(std::string bytes, const Strings& corpus, std::mt19937& rand
 
 }  // namespace
 
-int main(int, char** arguments) {
+int main(int count, char** arguments) {
+  if (count != 3) return 2;
   Strings corpus;
   for (const auto& entry : std::filesystem::directory_iterator(arguments[1])) {
     std::ifstream file(entry.path(), std::ios::binary);
