@@ -271,34 +271,34 @@ void Start(const char* command) {
   if (pid > 0) (void)waitpid(pid, nullptr, 0);
 }
 
-const std::string text(100, 'A');
-const std::string folder = "/tmp/" + text + text;
+const std::string kText(100, 'A');
+const std::string kFolder = "/tmp/" + kText + kText;
 using List = std::list<std::string>;
 
 // Every public function that allocates or calls the system.
-const std::function<void()> functions[] = {
-    [] { System("printf %s%s " + text + " \"" + text + "\"", Out()); },
-    [] { System("no-such-program-" + text); },
+const std::function<void()> kFunctions[] = {
+    [] { System("printf %s%s " + kText + " \"" + kText + "\"", Out()); },
+    [] { System("no-such-program-" + kText); },
     [] { Start("true"); },
     [] { Start("no-such-program"); },
-    [] { GXUtils::Which("no-such-program-" + text); },
-    [] { GXUtils::Strip(text, text) += GXUtils::LongToString(1); },
-    [] { GXUtils::ReplaceInString(*Out(text + text), "A", "BB"); },
-    [] { GXUtils::StringLines((text + "\n" + text).c_str(), Out(text + "\n" + text)); },
-    [] { GXUtils::DecodeStringList(text + ", \\," + text + ", ", Out<List>(), ','); },
-    [] { GXUtils::DecodeStringList(text + "\\x", Out<List>(), ','); },
-    [] { GXUtils::EncodeStringList(List(3, text + ","), ','); },
+    [] { GXUtils::Which("no-such-program-" + kText); },
+    [] { GXUtils::Strip(kText, kText) += GXUtils::LongToString(1); },
+    [] { GXUtils::ReplaceInString(*Out(kText + kText), "A", "BB"); },
+    [] { GXUtils::StringLines((kText + "\n" + kText).c_str(), Out(kText + "\n" + kText)); },
+    [] { GXUtils::DecodeStringList(kText + ", \\," + kText + ", ", Out<List>(), ','); },
+    [] { GXUtils::DecodeStringList(kText + "\\x", Out<List>(), ','); },
+    [] { GXUtils::EncodeStringList(List(3, kText + ","), ','); },
     [] { GXUtils::CompareVersions("1.2.3", "1.2.4"); },
-    [] { GXUtils::Transcode("UTF-8", "", GXUtils::Transcode("UTF-8", "UCS-2", text) + text); },
-    [] { GXUtils::ToLower(GXUtils::Base64Decode(GXUtils::Base64Encode(text))); },
-    [] { GXUtils::HexASCIIToString(text); },
-    [] { GXUtils::CheckCreateDir(folder, false) && rmdir(folder.c_str()); },
-    [] { GXUtils::UnlinkOrTruncate(GXUtils::GenerateTempFile(text, nullptr).c_str()); },
-    [] { GXUtils::calcHomeDir(text); },
-    [] { GXUtils::AddPathPrefix(GXUtils::calcRunningUser() + text); },
+    [] { GXUtils::Transcode("UTF-8", "", GXUtils::Transcode("UTF-8", "UCS-2", kText) + kText); },
+    [] { GXUtils::ToLower(GXUtils::Base64Decode(GXUtils::Base64Encode(kText))); },
+    [] { GXUtils::HexASCIIToString(kText); },
+    [] { GXUtils::CheckCreateDir(kFolder, false) && rmdir(kFolder.c_str()); },
+    [] { GXUtils::UnlinkOrTruncate(GXUtils::GenerateTempFile(kText, nullptr).c_str()); },
+    [] { GXUtils::calcHomeDir(kText); },
+    [] { GXUtils::AddPathPrefix(GXUtils::calcRunningUser() + kText); },
     [] { GXUtils::ShowInFileManager("/tmp"); },
     [] { GXUtils::GetBogoMips(); },
-    [] { parse_nfs_export_option("/" + text + ",ro,/" + text + ",rw,/b", *Out<Exports>()); },
+    [] { parse_nfs_export_option("/" + kText + ",ro,/" + kText + ",rw,/b", *Out<Exports>()); },
 };
 
 TEST(Hostile, AnyCallMayFailAndNothingStaysBehind) {
@@ -308,12 +308,12 @@ TEST(Hostile, AnyCallMayFailAndNothingStaysBehind) {
                                    {"DISPLAY", nullptr},
                                    {"WAYLAND_DISPLAY", nullptr}};
   testing::internal::CaptureStderr();
-  for (const auto& function : functions) {
+  for (const auto& function : kFunctions) {
     for (const char* name : {"new", "pipe", "fcntl", "fork", "read", "waitpid", "syscall", "iconv",
                              "iconv_open", "mkdir", "fopen", "getpwuid"}) {
       bool failed = true;
       for (int nth = 1; failed; ++nth) {
-        SCOPED_TRACE(testing::Message() << &function - functions << name << nth);
+        SCOPED_TRACE(testing::Message() << &function - kFunctions << name << nth);
         const LeakCheck leaks;
         try {
           const Failing fault(name, nth, EINTR);
