@@ -132,10 +132,9 @@ std::string ReadReport(int report, int errorOutput, std::string* errors) {
   std::string said;
   pollfd ends[] = {{errorOutput, POLLIN, 0}, {report, POLLIN, 0}};
   for (;;) {
-    if (poll(ends, 2, -1) < 0) {
-      if (errno == EINTR) continue;
-      return said;
-    }
+    const int ready = poll(ends, 2, -1);
+    if (ready < 0 && errno != EINTR) return said;
+    if (ready <= 0) continue;
     if (ends[0].revents != 0) {
       if (!AppendPiece(errorOutput, errors)) ends[0].fd = -1;
     } else if (!AppendPiece(report, &said)) {

@@ -7,6 +7,7 @@
 #include <new>
 
 #include <iconv.h>
+#include <poll.h>
 #include <pwd.h>
 #include <sys/stat.h>
 
@@ -33,6 +34,7 @@ bool Failing::Now(const char* call) {
 
 WRAP(pid_t, fork, (), (), -1)
 WRAP(int, pipe, (int ends[2]), (ends), -1)
+WRAP(int, poll, (pollfd * fds, nfds_t count, int timeout), (fds, count, timeout), -1)
 WRAP(ssize_t, read, (int fd, void* buffer, std::size_t size), (fd, buffer, size), -1)
 WRAP(int, sigaction, (int n, const struct sigaction* set, struct sigaction* old), (n, set, old), -1)
 WRAP(iconv_t, iconv_open, (const char* to, const char* from), (to, from), iconv_t(-1))
