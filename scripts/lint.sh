@@ -14,7 +14,7 @@ cd "$(dirname "$0")/.."
 # constParameter, in one file: wrong about std::mt19937, whose call changes it.
 # accessMoved, shadowFunction: wrong about the range of a for statement and about a variable with
 #   parentheses; clang-tidy and the compilers look for both.
-options=(--enable=warning,style,performance,portability --language=c++ --std=c++17 --quiet
+options=('--enable=warning,style,performance,portability' --language=c++ --std=c++17 --quiet
   --library=posix --library=googletest -I common -I tests --error-exitcode=1)
 for check in passedByValue useStlAlgorithm getpwnamCalled getpwuidCalled readdirCalled strtokCalled \
   assertWithSideEffect redundantContinue constParameter:fuzz/replay.cpp accessMoved shadowFunction; do
