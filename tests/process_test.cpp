@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <clocale>
 #include <csignal>
+#include <cstddef>
 #include <functional>
 #include <iostream>
 #include <new>
@@ -15,8 +16,12 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -61,11 +66,23 @@ void OnSigchld(void (*handler)(int), int flags) {
   (void)sigaction(SIGCHLD, &action, nullptr);
 }
 
-void LimitDescriptors(rlim_t count) {
+void SetLimit(decltype(RLIMIT_NOFILE) resource, rlim_t value) {
   rlimit limit{};
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-  limit.rlim_cur = count;  // not the other one, which valgrind refuses
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+  ASSERT_EQ(getrlimit(resource, &limit), 0);
+  limit.rlim_cur = value;  // not the other one, which valgrind refuses
+  ASSERT_EQ(setrlimit(resource, &limit), 0);
+}
+
+void RefuseCloseRange() {
+  sock_filter filter[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_close_range, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  };
+  const sock_fprog program = {4, filter};
+  ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+  ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
 }
 
 // Both runners with a program that works and one that is missing.
@@ -116,8 +133,7 @@ TEST(Runners, WorkInEveryState) {
         sigfillset(&all);
         (void)sigprocmask(SIG_SETMASK, &all, nullptr);
       },
-      // The first close_range() of each child is refused, as long as this process lives.
-      [] { static const Failing refused("syscall", 1, EPERM); },
+      RefuseCloseRange,
   };
   for (unsigned i = 0; i < std::size(states) * 8; ++i) {  // the last bits: 0, 1 and 2 closed
     EXPECT_TRUE(PassesInChild([&] {
@@ -193,6 +209,19 @@ TEST(System, AnExceptionEndsTheProgram) {
   EXPECT_THROW(System(endless, Out()), std::bad_alloc);
 }
 
+TEST(System, AMemoryLimitEndsACapture) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizer reserves more address space than any limit";
+#endif
+  EXPECT_TRUE(PassesInChild([] {
+    const LeakCheck leaks;
+    SetLimit(RLIMIT_AS, 256 << 20);
+    std::string output;
+    EXPECT_THROW(System("yes", &output), std::bad_alloc);
+    EXPECT_GT(output.size(), 1000000U);
+  }));
+}
+
 TEST(Runners, WriteNothingThatTheClientHasBuffered) {
 #ifdef __SANITIZE_THREAD__
   GTEST_SKIP() << "the sanitizer flushes every stream in _exit()";
@@ -232,7 +261,7 @@ TEST(CloseAllFds, ClosesExactlyItsRange) {
   for (const auto& [firstFd, keepFd] : cases) {
     for (const int refused : {0, 1}) {
       EXPECT_TRUE(PassesInChild([&, first = firstFd, keep = keepFd] {
-        LimitDescriptors(2048);
+        SetLimit(RLIMIT_NOFILE, 2048);
         for (int fd = 99; fd < 1100; ++fd) (void)dup2(STDERR_FILENO, fd);
         const Failing fault[] = {{"syscall", refused, ENOSYS}, {"syscall", 2 * refused, EPERM}};
         GXUtils::CloseAllFds(first, keep);
@@ -247,7 +276,7 @@ TEST(CloseAllFds, ClosesExactlyItsRange) {
 
 TEST(Hostile, NoDescriptorLeft) {
   EXPECT_TRUE(PassesInChild([] {
-    LimitDescriptors(3);
+    SetLimit(RLIMIT_NOFILE, 3);
     int fd = kUnwritten;
     EXPECT_EQ(System("true"), -1);
     EXPECT_EQ(SystemNowait("true", &fd), -1);
