@@ -6,7 +6,7 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/gxclient)
 install(TARGETS gxclient_util gxclient_support EXPORT gxclientTargets
   ARCHIVE COMPONENT dev
   LIBRARY COMPONENT dev
-  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/gxclient)
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/gxclient COMPONENT dev)
 install(EXPORT gxclientTargets NAMESPACE gxclient:: DESTINATION ${package_dir} COMPONENT dev)
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/gxclientConfig.cmake.in gxclientConfig.cmake
   INSTALL_DESTINATION ${package_dir})

@@ -14,8 +14,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "support/descriptor.h"
-#include "support/environment.h"
+#include "internal/descriptor.h"
+#include "internal/environment.h"
 #include "support/exportdata.h"
 #include "support/gxclient_prefix.h"
 #include "support/osx_show_in_file_manager.h"

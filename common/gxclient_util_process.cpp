@@ -17,9 +17,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "internal/child.h"
+#include "internal/descriptor.h"
+#include "internal/lifetime.h"
 #include "support/argvector.h"
-#include "support/child.h"
-#include "support/descriptor.h"
 #include "support/gxexception.h"
 #include "support/logfile.h"
 

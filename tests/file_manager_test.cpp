@@ -12,7 +12,7 @@
 #include "harness/faults.h"
 #include "harness/leakcheck.h"
 #include "harness/tempdir.h"
-#include "support/descriptor.h"
+#include "internal/descriptor.h"
 #include "support/osx_show_in_file_manager.h"
 
 using namespace std::string_literals;

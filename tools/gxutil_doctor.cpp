@@ -28,8 +28,8 @@
 #include "gxclient_util.h"
 #include "gxutil.h"
 #include "gxutil_doctor.h"
-#include "support/child.h"
-#include "support/environment.h"
+#include "internal/environment.h"
+#include "internal/lifetime.h"
 #include "support/gxclient_prefix.h"
 
 namespace gxutil {

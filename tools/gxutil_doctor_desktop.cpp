@@ -2,7 +2,7 @@
 
 #include "gxclient_util.h"
 #include "gxutil_doctor.h"
-#include "support/environment.h"
+#include "internal/environment.h"
 
 namespace gxutil {
 namespace {

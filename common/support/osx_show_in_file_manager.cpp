@@ -12,9 +12,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "support/child.h"
-#include "support/descriptor.h"
-#include "support/environment.h"
+#include "internal/child.h"
+#include "internal/descriptor.h"
+#include "internal/environment.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "support/child.h"
+#include "internal/child.h"
 
 std::string ProcessState() {
   std::string state;

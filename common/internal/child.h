@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <utility>
 
 #include <sys/types.h>
@@ -31,16 +30,6 @@ inline void CloseRange(int first, int last) {
   if (syscall(SYS_close_range, first, last, 0) == 0) return;
 #endif
   for (int fd = first; fd <= std::min(last, kEndOfLoop - 1); ++fd) (void)close(fd);
-}
-
-// Lets SIGALRM end this process after so many seconds, whatever was done about that signal before.
-inline void LimitLifetime(unsigned seconds) {
-  (void)std::signal(SIGALRM, SIG_DFL);
-  sigset_t timeout;
-  sigemptyset(&timeout);
-  sigaddset(&timeout, SIGALRM);
-  (void)sigprocmask(SIG_UNBLOCK, &timeout, nullptr);
-  (void)alarm(seconds);
 }
 
 // Leaves a forked child without running exit handlers or flushing what the client has buffered.
