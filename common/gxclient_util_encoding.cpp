@@ -141,12 +141,6 @@ class Scratch {
   std::unique_ptr<char[]> large_;
 };
 
-// The size of the text in `bytes`, which ends at its first zero byte or else at `size`.
-std::size_t TextSize(const char* bytes, std::size_t size) {
-  const void* zero = std::memchr(bytes, '\0', size);
-  return zero == nullptr ? size : static_cast<std::size_t>(static_cast<const char*>(zero) - bytes);
-}
-
 // Lowers the little-endian code units before the first zero one; returns the bytes they take.
 std::size_t LowerUnits(char* bytes, std::size_t size) {
   std::size_t at = 0;
@@ -181,7 +175,7 @@ std::string Transcode(const char* from, const char* to, std::string in) {
   Scratch scratch(in.size(), 4, 8);
   const std::size_t written =
       ConvertAndReport(from, to, in.data(), in.size(), scratch.Bytes(), scratch.Size());
-  in.assign(scratch.Bytes(), TextSize(scratch.Bytes(), written));  // often fits where the input was
+  in.assign(scratch.Bytes(), strnlen(scratch.Bytes(), written));  // often fits where the input was
   return in;
 }
 
@@ -193,7 +187,7 @@ std::string ToLower(std::string text) {
   const std::size_t lowered = LowerUnits(wide.Bytes(), widened);
   const std::size_t written =
       ConvertAndReport("UCS-2LE", "UTF-8", wide.Bytes(), lowered, narrow.Bytes(), narrow.Size());
-  text.assign(narrow.Bytes(), TextSize(narrow.Bytes(), written));
+  text.assign(narrow.Bytes(), strnlen(narrow.Bytes(), written));
   return text;
 }
 

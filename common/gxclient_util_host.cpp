@@ -15,7 +15,7 @@
 #include <unistd.h>
 
 #include "internal/descriptor.h"
-#include "internal/environment.h"
+#include "internal/home.h"
 #include "support/exportdata.h"
 #include "support/gxclient_prefix.h"
 #include "support/osx_show_in_file_manager.h"
@@ -30,15 +30,9 @@ constexpr mode_t kDirectoryMode = 0755;
 constexpr mode_t kTempFileMode = 0600;
 constexpr std::size_t kMaxTempPath = 511;  // a longer template is cut and then refused by mkstemp()
 
-constexpr char kPerUserDirectory[] = ".gannorex";
-constexpr char kFallbackHome[] = "/root";
-
-bool Exists(const char* path) {
-  struct stat info {};
-  return stat(path, &info) == 0;
+bool EnsureDirectory(const char* path) {
+  return CheckFileExist(path) || mkdir(path, kDirectoryMode) == 0;
 }
-
-bool EnsureDirectory(const char* path) { return Exists(path) || mkdir(path, kDirectoryMode) == 0; }
 
 // Makes every missing directory of `path`, which begins with a slash.
 bool EnsureEveryDirectory(std::string path) {
@@ -63,11 +57,6 @@ const char* FirstSetVariable(std::initializer_list<const char*> names) {
 std::string LoginName() {
   const passwd* entry = getpwuid(getuid());
   return entry != nullptr ? std::string(entry->pw_name) : std::string();
-}
-
-std::string HomeOfUser(const std::string& user) {
-  const passwd* entry = getpwnam(user.c_str());
-  return entry != nullptr ? std::string(entry->pw_dir) : std::string(kFallbackHome);
 }
 
 struct FileCloser {
@@ -102,7 +91,7 @@ int SumBogoMips(std::FILE* stream) {
 }  // namespace
 
 bool CheckCreateDir(std::string path, bool recursive) {
-  if (Exists(path.c_str())) return true;
+  if (CheckFileExist(path)) return true;
   if (!recursive) return mkdir(path.c_str(), kDirectoryMode) == 0;
   // What stands before the first slash is dropped, and a path without one hangs on the root: the
   // walk takes every path as absolute, on purpose.
@@ -118,7 +107,8 @@ std::string GenerateTempFile(std::string name, int* fd) {
   const bool made = file.Get() >= 0;
   if (made) (void)chmod(path.c_str(), kTempFileMode);  // the umask may have left less
   if (fd != nullptr) *fd = file.Release();
-  path.resize(made ? std::strlen(path.c_str()) : 0);
+  if (!made) return {};
+  path.resize(std::strlen(path.c_str()));
   return path;
 }
 
@@ -127,9 +117,8 @@ int UnlinkOrTruncate(const char* path) { return unlink(path); }
 std::string winGetTempDir() { return {}; }
 
 std::string calcHomeDir(std::string user) {
-  std::string home = GXSupport::Environment("HOME");
-  if (home == "/") home = HomeOfUser(Transcode("UTF-8", "", std::move(user)));
-  (void)CheckCreateDir(home + "/" + kPerUserDirectory, false);
+  std::string home = GXSupport::HomeDirectory(std::move(user));
+  (void)CheckCreateDir(home + "/" + GXSupport::kPerUserDirectory, false);
   return home;
 }
 

@@ -30,6 +30,7 @@ namespace {
 using GXSupport::Child;
 using GXSupport::CloseRange;
 using GXSupport::kFirstInheritedFd;
+using GXSupport::kLastClosedFd;
 using GXSupport::LeaveChild;
 using GXSupport::LimitLifetime;
 using GXSupport::Pipe;
@@ -43,8 +44,6 @@ constexpr int kNotFoundStatus = 127;    // what shells exit with for an unknown 
 constexpr int kExecFailedStatus = 128;  // what our child exits with when its exec failed
 
 constexpr int kDetachedExecFailedStatus = 1;
-
-constexpr int kLastClosedFd = 1023;  // fixed, whatever the descriptor limit is
 
 constexpr std::size_t kReadSize = 255;  // a piece of captured output; what a NUL cuts depends on it
 
@@ -171,14 +170,12 @@ void AppendOutput(int fd, std::string* output) {
     const ssize_t count = read(fd, piece, sizeof piece);
     if (count <= 0) return;
     if (output == nullptr) continue;
-    const void* nul = std::memchr(piece, '\0', static_cast<std::size_t>(count));
-    const char* end = nul == nullptr ? piece + count : static_cast<const char*>(nul);
-    output->append(piece, static_cast<std::size_t>(end - piece));
+    output->append(piece, strnlen(piece, static_cast<std::size_t>(count)));
   }
 }
 
 int FailRun(const char* errorLine) {
-  (void)std::fwrite(errorLine, 1, std::strlen(errorLine), stderr);
+  (void)std::fputs(errorLine, stderr);
   return kRunFailed;
 }
 

@@ -17,7 +17,6 @@
 #include <iconv.h>
 #include <langinfo.h>
 #include <nettle/version.h>
-#include <pwd.h>
 #include <sys/resource.h>
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -28,7 +27,8 @@
 #include "gxclient_util.h"
 #include "gxutil.h"
 #include "gxutil_doctor.h"
-#include "internal/environment.h"
+#include "internal/descriptor.h"
+#include "internal/home.h"
 #include "internal/lifetime.h"
 #include "support/gxclient_prefix.h"
 
@@ -85,24 +85,15 @@ Fact RunningUser() {
   return {value, "neither LOGNAME, USERNAME, USER nor the password database gives a name"};
 }
 
-// As calcHomeDir(), which would make the per-user directory.
-std::string HomeDirectory() {
-  std::string home = GXSupport::Environment("HOME");
-  if (home != "/") return home;
-  const std::string user = GXUtils::Transcode("UTF-8", "", GXUtils::calcRunningUser());
-  const passwd* entry = getpwnam(user.c_str());
-  return entry != nullptr ? entry->pw_dir : "/root";
-}
-
 Fact Home() {
-  const std::string home = HomeDirectory();
+  const std::string home = GXSupport::HomeDirectory(GXUtils::calcRunningUser());
   if (home.empty()) return {"none", "HOME is not set or empty"};
   return {home, DirectoryTrouble(home, X_OK)};
 }
 
 Fact PerUserDirectory() {
-  const std::string home = HomeDirectory();
-  const std::string directory = home + "/.gannorex";
+  const std::string home = GXSupport::HomeDirectory(GXUtils::calcRunningUser());
+  const std::string directory = home + "/" + GXSupport::kPerUserDirectory;
   std::error_code error;
   if (std::filesystem::exists(std::filesystem::symlink_status(directory, error))) {
     return {directory, DirectoryTrouble(directory, W_OK | X_OK)};
@@ -176,8 +167,7 @@ std::string LimitText(rlim_t limit) {
 }
 
 Fact Descriptors() {
-  constexpr rlim_t kNeeded = 6;        // the pipes of SystemNowait()
-  constexpr int kLastClosedFd = 1023;  // programs that the module starts inherit those above
+  constexpr rlim_t kNeeded = 6;  // the pipes of SystemNowait()
   rlimit limit{};
   (void)getrlimit(RLIMIT_NOFILE, &limit);
   const std::vector<int> open = OpenDescriptors();
@@ -185,7 +175,7 @@ Fact Descriptors() {
   int above = 0;
   for (const int fd : open) {
     if (fd > STDERR_FILENO && static_cast<rlim_t>(fd) < limit.rlim_cur) ++taken;
-    if (fd > kLastClosedFd) ++above;
+    if (fd > GXSupport::kLastClosedFd) ++above;  // programs inherit these
   }
   const std::string value = std::to_string(open.size()) + " open, " + std::to_string(above) +
                             " above 1023; limit " + LimitText(limit.rlim_cur) + ", at most " +

@@ -1,5 +1,5 @@
 /// @file
-/// Private to the two libraries and not installed: owners of descriptors.
+/// Private to the project and not installed: owners of descriptors, and which ones are inherited.
 #pragma once
 
 #include <utility>
@@ -10,6 +10,7 @@
 namespace GXSupport {
 
 constexpr int kFirstInheritedFd = 3;  // the first one above the standard descriptors
+constexpr int kLastClosedFd = 1023;   // of those that no program inherits; fixed, whatever the limit
 
 // Owns one descriptor and closes it once; -1 owns nothing. Hand it on with Release().
 class UniqueFd {
