@@ -10,7 +10,7 @@
 namespace GXSupport {
 
 constexpr int kFirstInheritedFd = 3;  // the first one above the standard descriptors
-constexpr int kLastClosedFd = 1023;   // of those that no program inherits; fixed, whatever the limit
+constexpr int kLastClosedFd = 1023;   // no program inherits those from there to here; fixed
 
 // Owns one descriptor and closes it once; -1 owns nothing. Hand it on with Release().
 class UniqueFd {

@@ -1,5 +1,6 @@
 #include "support/logfile.h"
 
+#include <cstdio>
 #include <ctime>
 #include <utility>
 
@@ -38,7 +39,5 @@ void Logfile::Log(std::string message, int level) {
   line += OneLine(std::move(message));
   line += '\n';
   // A single call: the stream's own lock keeps the lines of other threads out of this one.
-  (void)std::fwrite(line.data(), 1, line.size(), stream_ != nullptr ? stream_ : stderr);
+  (void)std::fwrite(line.data(), 1, line.size(), stderr);
 }
-
-void Logfile::SetStream(std::FILE* stream) { stream_ = stream; }

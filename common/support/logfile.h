@@ -2,15 +2,12 @@
 /// The client's log.
 #pragma once
 
-#include <cstdio>
 #include <string>
 
 /// The client's log. The module calls Log() on the one global object `logfile` and nothing else.
 class Logfile {
  public:
-  constexpr Logfile() = default;
-
-  /// Writes one line: the time in UTC, the level and the message, as in
+  /// Writes one line to the standard error stream: the time in UTC, the level and the message, as in
   /// "2025-01-31T12:00:00Z [2] Command x not found". Line feeds and carriage returns inside the
   /// message are written as "\n" and "\r", so that a call is always one line. The module uses the
   /// levels 2 and 4; they are written and mean nothing here.
@@ -18,13 +15,6 @@ class Logfile {
   /// May be called from several threads at once: their lines do not mix. A line that cannot be
   /// written is lost without notice.
   void Log(std::string message, int level);
-
-  /// Sends the lines from now on to `stream`, which stays the caller's; null stands for the
-  /// standard error stream. Not to be called while another thread logs.
-  void SetStream(std::FILE* stream);
-
- private:
-  std::FILE* stream_ = nullptr;
 };
 
 /// The log of the process. Usable during static initialisation.
