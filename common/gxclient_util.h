@@ -97,8 +97,9 @@ void CloseAllFds(int firstFd, int keepFd);
 /// `argv` and what the program inherits are as with System(): it shares the caller's standard input
 /// and, without the out-pointers, standard output and error. Where `stdoutFd` (`stderrFd`) is
 /// given, its standard output (error) goes into a new pipe, which ends when the program and
-/// whatever it started have closed it. The call blocks only until the program has been executed or
-/// has failed to. It leaves the action for SIGCHLD alone and may run on any thread.
+/// whatever it started have closed it. The call blocks until the program has been executed or has
+/// failed to, and after a failure for up to a second more, in which the child writes its error. It
+/// leaves the action for SIGCHLD alone, may run on any thread and allocates no memory.
 ///
 /// @return the process id: a child of the caller, who waits for it and closes the read ends stored
 ///         in the out-pointers. These are ordinary blocking descriptors, not close-on-exec.
@@ -109,10 +110,12 @@ void CloseAllFds(int firstFd, int keepFd);
 ///         After a failed exec the child has been waited for.
 ///         The out-pointers are written on success only.
 ///
-/// Nothing is logged. A child whose exec failed exits with status 1 and has a second in which it
-/// writes the text of the error and a newline to its standard error, through std::cerr: the pipe
-/// for `stderrFd`, which is closed and lost with the result -2, or else the caller's own standard
-/// error.
+/// Nothing is logged. A child whose exec failed writes one line to its standard error, the text of
+/// the error in the caller's locale, and exits with status 1. That is the pipe for `stderrFd`,
+/// which is closed and lost with the result -2, or else the caller's own standard error, descriptor
+/// 2: no stream of the caller's is used or written. A text of more than 255 bytes is cut at a
+/// character. Where the line cannot be written within a second, as to a full pipe, what is left of
+/// it is lost.
 int SystemNowait(const char* const* argv, int* stdoutFd = nullptr, int* stderrFd = nullptr);
 
 /// The same for a command line, cut as by System().

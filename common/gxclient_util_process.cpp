@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
-#include <iterator>
 #include <utility>
 
 #include <fcntl.h>
@@ -19,6 +17,7 @@
 
 #include "internal/child.h"
 #include "internal/descriptor.h"
+#include "internal/exec_error.h"
 #include "internal/lifetime.h"
 #include "support/argvector.h"
 #include "support/gxexception.h"
@@ -29,6 +28,7 @@ namespace {
 
 using GXSupport::Child;
 using GXSupport::CloseRange;
+using GXSupport::ExecErrorLines;
 using GXSupport::kFirstInheritedFd;
 using GXSupport::kLastClosedFd;
 using GXSupport::LeaveChild;
@@ -80,7 +80,8 @@ class DefaultSigchld {
   bool installed_ = false;
 };
 
-// Runs in the forked child. Only plain calls on values prepared before the fork.
+// Runs in the forked child: only async-signal-safe calls (signal-safety(7)) on values prepared before
+// the fork, as another thread may have held any lock then.
 [[noreturn]] void ExecCaptured(const char* const* argv, Pipe& capture) {
   capture.readEnd.Reset();
   (void)dup2(capture.writeEnd.Get(), STDOUT_FILENO);
@@ -90,43 +91,16 @@ class DefaultSigchld {
   LeaveChild(kExecFailedStatus);
 }
 
-// The texts of the errors that execvp() can report, fetched before the fork: strerror() takes the
-// locale's lock, which another thread may hold at that moment, and the child would wait for ever.
-class ExecErrorTexts {
- public:
-  ExecErrorTexts() {
-    for (std::size_t i = 0; i < kCount; ++i) texts_[i] = std::strerror(kErrors[i]);
-  }
-
-  const char* Find(int error) const {
-    const auto found = std::find(std::begin(kErrors), std::end(kErrors), error);
-    if (found == std::end(kErrors)) return std::strerror(error);
-    return texts_[static_cast<std::size_t>(found - std::begin(kErrors))].c_str();
-  }
-
- private:
-  static constexpr int kErrors[] = {
-      E2BIG,   EACCES, EAGAIN, EFAULT,  EINVAL, EIO,     EISDIR, ELOOP,  EMFILE,    ENAMETOOLONG,
-      ENFILE,  ENODEV, ENOENT, ENOEXEC, ENOMEM, ENOTDIR, EPERM,  ESTALE, ETIMEDOUT, ETXTBSY,
-#ifdef ELIBBAD
-      ELIBBAD,
-#endif
-  };
-  static constexpr std::size_t kCount = std::size(kErrors);
-
-  std::string texts_[kCount];
-};
-
 struct DetachedPipes {
   Pipe status;  // closes with the exec; carries a byte when that has failed
   Pipe output;  // these two only where the caller wants them
   Pipe error;
 };
 
-// Runs in the forked child. Only plain calls on values prepared before the fork, but for the error
-// text, which goes through std::cerr; the C library makes its streams usable again in a child.
+// Runs in the forked child, as ExecCaptured(). The error text goes straight to the descriptor: what
+// the client has done to its streams, or has waiting in them, is the client's.
 [[noreturn]] void ExecDetached(const char* const* argv, DetachedPipes& pipes,
-                               const ExecErrorTexts& errorTexts) noexcept {
+                               const ExecErrorLines& errorLines) noexcept {
   pipes.status.readEnd.Reset();
   pipes.output.readEnd.Reset();
   if (pipes.output.IsOpen()) (void)dup2(pipes.output.writeEnd.Get(), STDOUT_FILENO);
@@ -136,16 +110,10 @@ struct DetachedPipes {
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   const int error = errno;
   (void)!write(pipes.status.writeEnd.Get(), "e", 1);
-  // The parent waits for this child, and writing to std::cerr may block for ever: on a full pipe
-  // that the parent reads, or on a lock that another thread held at the fork.
+  // The parent waits for this child, which may wait for ever: to write to a full pipe that the parent
+  // itself reads.
   LimitLifetime(1);
-  // What the client had buffered in std::cout is the client's to write, nothing may throw here, and
-  // what the client has set on the stream does not touch this text.
-  std::cerr.tie(nullptr);
-  std::cerr.exceptions(std::ios::goodbit);
-  std::cerr.clear();
-  (void)std::cerr.width(0);
-  std::cerr << errorTexts.Find(error) << std::endl;
+  errorLines.Write(error, STDERR_FILENO);
   LeaveChild(kDetachedExecFailedStatus);
 }
 
@@ -275,11 +243,11 @@ int SystemNowait(const char* const* argv, int* stdoutFd, int* stderrFd) {
   if (!pipes.status.Open()) return kRunFailed;
   if (stdoutFd != nullptr && !pipes.output.Open()) return kRunFailed;
   if (stderrFd != nullptr && !pipes.error.Open()) return kRunFailed;
-  const ExecErrorTexts errorTexts;
+  const ExecErrorLines errorLines;
 
   const pid_t pid = fork();
   if (pid < 0) return kRunFailed;
-  if (pid == 0) ExecDetached(argv, pipes, errorTexts);
+  if (pid == 0) ExecDetached(argv, pipes, errorLines);
 
   pipes.status.writeEnd.Reset();
   pipes.output.writeEnd.Reset();

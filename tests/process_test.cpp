@@ -6,7 +6,10 @@
 #include <clocale>
 #include <csignal>
 #include <cstddef>
+#include <cstdio>
+#include <cstring>
 #include <functional>
+#include <iomanip>
 #include <iostream>
 #include <new>
 #include <stdexcept>
@@ -18,6 +21,7 @@
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -31,6 +35,7 @@
 #include "harness/leakcheck.h"
 #include "harness/scopedenv.h"
 #include "harness/tempdir.h"
+#include "internal/descriptor.h"
 #include "support/exportdata.h"
 #include "support/gxexception.h"
 
@@ -41,6 +46,11 @@ using GXUtils::SystemNowait;
 namespace {
 
 constexpr int kUnwritten = 77;
+const std::string kUmlauts = [] {
+  std::string text;
+  while (text.size() < 300) text += "\u00FC";
+  return text;
+}();
 constexpr char kKilled[] = "sh -c \"printf x; kill -9 $$\"";
 constexpr char kInterrupts[] = "sh -c \"trap '' PIPE; printf x 2>&-; exit 3\"";
 
@@ -233,6 +243,72 @@ TEST(Runners, WriteNothingThatTheClientHasBuffered) {
   EXPECT_EQ(System("no-such-program", &output), -2);
   EXPECT_EQ(SystemNowait("no-such-program", nullptr, Out<int>()), -2);
   EXPECT_EQ(testing::internal::GetCapturedStdout() + output, "buffered");
+}
+
+// The error is written to descriptor 2 and nothing else is, whatever the client does to its streams.
+TEST(SystemNowait, WritesItsErrorOnce) {
+  GXSupport::Pipe error;
+  ASSERT_TRUE(error.Open());
+  EXPECT_TRUE(PassesInChild([&] {
+    (void)dup2(error.writeEnd.Get(), STDERR_FILENO);
+    std::ios::sync_with_stdio(false);
+    std::cerr << std::nounitbuf << "waits for ever" << std::setw(99);
+    std::clog << "waits for ever";
+    static char buffer[BUFSIZ];
+    (void)std::setvbuf(stderr, buffer, _IOFBF, sizeof buffer);
+    (void)std::fputs("waits for the end", stderr);
+    std::cerr.rdbuf(std::cout.rdbuf());
+    std::cerr.exceptions(std::ios::badbit | std::ios::failbit);
+    EXPECT_EQ(SystemNowait("no-such-program"), -2);
+  }));
+  error.writeEnd.Reset();
+  char text[100] = "";
+  (void)!read(error.readEnd.Get(), text, sizeof text - 1);
+  EXPECT_EQ(text, std::strerror(ENOENT) + "\nwaits for the end"s);
+}
+
+TEST(SystemNowait, CutsALongErrorAtACharacter) {
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  testing::internal::CaptureStderr();
+  for (const std::string& text : {std::string(255, 'x'), std::string(256, 'x'), "x" + kUmlauts}) {
+    fakeErrorText = text;
+    const Failing translated("strerror", 1, 0);
+    EXPECT_EQ(SystemNowait("no-such-program"), -2);
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), std::string(255, 'x') + "\n" +
+                                                        std::string(255, 'x') + "\nx" +
+                                                        kUmlauts.substr(0, 254) + "\n");
+  std::setlocale(LC_CTYPE, "C");
+}
+
+TEST(SystemNowait, StartsWithMemoryExhausted) {
+  const char* const programs[][2] = {{"true", nullptr}, {"no-such-program", nullptr}};
+  for (const auto& argv : programs) {
+    const Failing allocation("new", 1, ENOMEM);
+    const int result = SystemNowait(argv);
+    EXPECT_FALSE(allocation.Happened());
+    EXPECT_EQ(result > 0, &argv == programs);
+    EXPECT_EQ(result > 0, waitpid(-1, nullptr, 0) > 0);
+  }
+}
+
+// A full pipe that nobody reads, in a PID namespace too, where the default action ends no process 1.
+TEST(SystemNowait, AChildThatCannotWriteEnds) {
+  for (const int flags : {0, CLONE_NEWPID}) {
+    const auto allowed = [flags] { return unshare(flags) == 0 ? (void)0 : _exit(1); };
+    if (!PassesInChild(allowed)) GTEST_SKIP() << "the rest needs the right to make a namespace";
+    GXSupport::Pipe error;
+    ASSERT_TRUE(error.Open());
+    (void)fcntl(error.writeEnd.Get(), F_SETFL, O_NONBLOCK);
+    while (write(error.writeEnd.Get(), "full", 4) > 0) continue;
+    (void)fcntl(error.writeEnd.Get(), F_SETFL, 0);
+    EXPECT_TRUE(PassesInChild([&] {
+      (void)dup2(error.writeEnd.Get(), STDERR_FILENO);
+      (void)std::signal(SIGALRM, SIG_IGN);
+      EXPECT_EQ(unshare(flags), 0);
+      EXPECT_EQ(SystemNowait("no-such-program"), -2);
+    }));
+  }
 }
 
 TEST(CheckFileExecutable, AsksTheFirstClassThatTheRealIdsBelongTo) {

@@ -42,6 +42,7 @@ WRAP(pid_t, waitpid, (pid_t pid, int* status, int options), (pid, status, option
 WRAP(int, mkdir, (const char* path, mode_t mode), (path, mode), -1)
 WRAP(passwd*, getpwnam, (const char* name), (name), (lookedUp = name, fakePasswd))
 WRAP(passwd*, getpwuid, (uid_t user), (user), fakePasswd)
+WRAP(char*, strerror, (int error), (error), fakeErrorText.data())
 WRAP(std::FILE*, fopen, (const char* path, const char* mode), (path, mode), fakeFile)
 // The two variadic ones: no call in the module passes more than these, nor anything but integers.
 WRAP(int, fcntl, (int fd, int command, long argument), (fd, command, argument), -1)

@@ -29,7 +29,8 @@ class Failing {
   Failing* next_;
 };
 
-/// What an armed call of getpwnam(), getpwuid() or fopen() gives; null unless set.
+/// What an armed call of getpwnam(), getpwuid(), fopen() or strerror() gives.
 inline passwd* fakePasswd = nullptr;
 inline std::string lookedUp;  // the name given to getpwnam()
 inline std::FILE* fakeFile = nullptr;
+inline std::string fakeErrorText;
