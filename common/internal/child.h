@@ -1,7 +1,7 @@
 /// @file
 /// Private to the project and not installed: what runs in a forked child, and its owner in the
-/// parent. A child makes plain system calls only, as another thread may have held any lock at the
-/// fork.
+/// parent. A child makes async-signal-safe calls only (signal-safety(7)), as another thread may
+/// have held any lock at the fork.
 #pragma once
 
 #include <algorithm>

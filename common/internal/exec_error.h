@@ -15,7 +15,7 @@ namespace GXSupport {
 
 constexpr std::size_t kLongestErrorText = 255;  // a longer translation is cut at a character
 
-// The size of the longest part of `text` that takes at most `limit` bytes and ends with a character.
+// The size of the longest beginning of `text` with whole characters only, at most `limit` bytes.
 inline std::size_t SizeOfWholeCharacters(const char* text, std::size_t limit) {
   constexpr auto kIncomplete = static_cast<std::size_t>(-2);
   std::mbstate_t state{};
@@ -28,8 +28,8 @@ inline std::size_t SizeOfWholeCharacters(const char* text, std::size_t limit) {
   return size;
 }
 
-// The text of an error and a line feed, in memory of its own: made without an allocation and written
-// without a stream.
+// The text of an error and a line feed, in memory of its own: made without an allocation and
+// written without a stream.
 class ErrorLine {
  public:
   void Set(int error) {

@@ -1,5 +1,5 @@
 /// @file
-/// Private to the project and not installed: the rule for the home directory and what is made in it.
+/// Private to the project and not installed: the rule for the home directory.
 #pragma once
 
 #include <string>

@@ -44,11 +44,11 @@ struct Launch {
   int errorOutput;  // the pipe that the program has as its standard error, -1 for none
 };
 
-// The functions from here to Detach() run in the forked child: only plain calls on values prepared
-// before the fork.
+// The functions from here to Detach() run in the forked child: only async-signal-safe calls on
+// values prepared before the fork.
 
-// Leaves the standard descriptors of the program and the report open and nothing else. The child
-// may live for seconds: what it held of the client would stay open as long.
+// Leaves open only the standard descriptors of the program and the report. The child may live for
+// seconds, and what it held of the client would stay open as long.
 bool TakeDescriptors(const Launch& launch) {
   (void)close(STDIN_FILENO);
   if (open("/dev/null", O_RDWR) != STDIN_FILENO) return false;
@@ -59,9 +59,9 @@ bool TakeDescriptors(const Launch& launch) {
   return true;
 }
 
-// Whatever the client does about signals: this child is told of the program's end, the program's
-// alarm ends it, and a file manager does not start with what a thread of the client has blocked.
-void TakeSignals() {
+// Whatever the client does about signals, this child can wait for the program, the program's alarm
+// ends it, and a file manager starts with no signal blocked.
+void ResetSignals() {
   (void)std::signal(SIGCHLD, SIG_DFL);
   (void)std::signal(SIGALRM, SIG_DFL);
   sigset_t none;
@@ -82,7 +82,7 @@ void TakeSignals() {
 // client ignores SIGCHLD or reaps every child.
 [[noreturn]] void Supervise(const Launch& launch) {
   if (!TakeDescriptors(launch)) Leave(launch, kFailed);
-  TakeSignals();
+  ResetSignals();
   const pid_t program = fork();
   if (program < 0) Leave(launch, kFailed);
   if (program == 0) {
@@ -100,7 +100,7 @@ void TakeSignals() {
 // Leaves the program to init, in a session of its own. Nothing is reported when it has started.
 [[noreturn]] void Detach(const Launch& launch) {
   if (!TakeDescriptors(launch)) Leave(launch, kFailed);
-  TakeSignals();
+  ResetSignals();
   (void)setsid();
   const pid_t program = fork();
   if (program < 0) Leave(launch, kFailed);
@@ -189,7 +189,8 @@ int Show(const std::string& path) {
 
 #else
 
-bool StandsForItself(char byte) {
+// The unreserved characters of RFC 3986, and the slash.
+bool IsUnreserved(char byte) {
   if (byte >= 'A' && byte <= 'Z') return true;
   if (byte >= 'a' && byte <= 'z') return true;
   if (byte >= '0' && byte <= '9') return true;
@@ -201,7 +202,7 @@ std::string FileUri(const std::string& path) {
   constexpr char kHexDigits[] = "0123456789ABCDEF";
   std::string uri = "file://";
   for (const char byte : path) {
-    if (StandsForItself(byte)) {
+    if (IsUnreserved(byte)) {
       uri += byte;
       continue;
     }
@@ -243,23 +244,23 @@ int AskFileManager(const std::string& path) {
   return result == kTimedOut || IsNoReply(errors) ? kNoAnswer : kNotShown;
 }
 
-// The folder that holds the item at an absolute path; "/" holds itself.
-std::string FolderOf(const std::string& path) {
+// The directory that holds the item at an absolute path; "/" holds itself.
+std::string DirectoryOf(const std::string& path) {
   const std::size_t slash = path.rfind('/', path.find_last_not_of('/'));
   return path.substr(0, std::max<std::size_t>(slash, 1));
 }
 
 // xdg-open may not come back before the window is closed, so it is not waited for.
-int OpenFolder(const std::string& folder) {
+int OpenDirectory(const std::string& directory) {
   using GXSupport::Environment;
   if ((Environment("DISPLAY") + Environment("WAYLAND_DISPLAY")).empty()) return kNotShown;
-  const char* const argv[] = {"xdg-open", folder.c_str(), nullptr};
+  const char* const argv[] = {"xdg-open", directory.c_str(), nullptr};
   return StartDetached(argv) ? kShown : kNotShown;
 }
 
 int Show(const std::string& path) {
   const int asked = AskFileManager(path);
-  return asked == kNotShown ? OpenFolder(FolderOf(path)) : asked;
+  return asked == kNotShown ? OpenDirectory(DirectoryOf(path)) : asked;
 }
 
 #endif

@@ -25,7 +25,8 @@ class Parser {
   /// the text, and stands there afterwards: `current` is ',' or -1.
   ///
   /// @param out receives the field with its escapes resolved; its former content is replaced.
-  /// @return 1: a field was read. 0: the field has no byte, and `out` is empty.
+  /// @retval 1 a field was read
+  /// @retval 0 the field has no byte, and `out` is empty
   int parse_comma_escaped_string(std::string& out);
 
   /// The text being read.
