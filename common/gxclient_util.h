@@ -16,8 +16,14 @@
 ///   started stays behind then.
 /// - Three functions touch state of the whole process and are called from one thread at a time:
 ///   System() changes the action for SIGCHLD while it runs; calcHomeDir() and calcRunningUser()
-///   read the environment and the password database. All others may run on any thread at any time,
-///   as long as the strings passed by reference are not shared.
+///   read the environment and the password database. The others may run on any thread, as long as
+///   the objects passed by reference or pointer are not shared, and nothing that they read is
+///   changed meanwhile: the environment (the runners, Which(), ShowInFileManager()), the locale
+///   (SystemNowait(), CompareHexStrings(), Transcode(), ToLower(), HexASCIIToString()) or
+///   `gxclient_prefix` (AddPathPrefix()).
+///
+/// The types of the client that a caller meets have headers of their own: `support/gxexception.h`
+/// and `support/exportdata.h`.
 #pragma once
 
 #include <list>
@@ -27,7 +33,9 @@
 /// The functions of the module, but for parse_nfs_export_option(), which is a global one.
 namespace GXUtils {
 
-/// @name Processes
+/// @defgroup processes Processes
+/// Running programs and finding them.
+///
 /// The runners execute a program by the rules of execvp(): a name with "/" in it is a path, and any
 /// other one is looked for along PATH. No shell reads a command.
 /// @{
@@ -42,6 +50,9 @@ namespace GXUtils {
 /// the next space, or to the end. Every other byte, tab, newline, backslash, single quote and NUL
 /// included, is an ordinary part of an argument.
 ///
+/// `ls -l "my file"` is `ls`, `-l` and `my file`; `a"b c"` is `a"b` and `c"`; `"a"b` is `a` and
+/// `b`.
+///
 /// @return the arguments in order; none for a command line of spaces only or of a lost field.
 std::vector<std::string> SplitCommandLine(std::string commandLine);
 
@@ -55,15 +66,15 @@ std::vector<std::string> SplitCommandLine(std::string commandLine);
 /// @param output what the program wrote is appended as it arrives, whatever the result, in pieces
 ///        of at most 255 bytes; a NUL byte and what follows it in its piece are lost. Null: the
 ///        output is thrown away. A read that fails or is interrupted by a signal ends the capture;
-///        it is not retried, and a program that writes on is ended by SIGPIPE.
+///        it is not retried. The pipe is then closed: a program that writes on is ended by SIGPIPE
+///        (result -1), or gets EPIPE where it ignores that signal.
 /// @param exitCode receives the exit status (0 to 255) when the result is 0 or -2, otherwise it is
 ///        not written.
-/// @return 0: the program exited with a status other than 127 and 128.
-///         -1: the run failed: the program was ended by a signal, the wait failed or was
-///         interrupted (the program is then left unreaped), or one of the system calls below
-///         failed.
-///         -2: the program could not be executed (status 128), or it exited with status 127 or 128
-///         of its own, which is not told apart.
+/// @retval 0 the program exited with a status other than 127 and 128
+/// @retval -1 the run failed: the program was ended by a signal, the wait failed or was interrupted
+///         (the program is then left unreaped), or one of the system calls below failed
+/// @retval -2 the program could not be executed (status 128), or it exited with status 127 or 128
+///         of its own, which is not told apart
 ///
 /// Logs one line with level 2 when the result is -2, once the run is over:
 /// - "Failed to start command " and entry 0, for status 128
@@ -76,6 +87,9 @@ std::vector<std::string> SplitCommandLine(std::string commandLine);
 /// While it runs, the action for SIGCHLD is the default one, so that a handler of the client's does
 /// not see any child end; before it returns or throws, the former action is back. Not to be called
 /// from two threads at once.
+///
+/// An exception while output is appended (memory exhausted) closes the pipe and passes once the
+/// program has ended.
 int System(const char* const* argv, std::string* output = nullptr, int* exitCode = nullptr);
 
 /// The same for a command line, which SplitCommandLine() cuts into the program and its arguments. A
@@ -87,8 +101,10 @@ int System(std::string command, std::string* output = nullptr, int* exitCode = n
 
 /// Closes the descriptors from `firstFd` to 1023, except `keepFd`. Descriptors that are not open
 /// are skipped; those from 1024 on are never closed. A `firstFd` below 0 counts as 0, one above
-/// 1023 closes nothing, and a `keepFd` outside the range keeps nothing. Meant for a child between
-/// fork() and exec, where it is safe to call: descriptors belong to all threads of a process.
+/// 1023 closes nothing, and a `keepFd` outside the range keeps nothing.
+///
+/// Meant for a child between fork() and exec: it is async-signal-safe. Elsewhere it also closes
+/// what other threads of the process have open.
 void CloseAllFds(int firstFd, int keepFd);
 
 /// Starts a program in a session of its own, without a controlling terminal, and returns without
@@ -99,16 +115,18 @@ void CloseAllFds(int firstFd, int keepFd);
 /// given, its standard output (error) goes into a new pipe, which ends when the program and
 /// whatever it started have closed it. The call blocks until the program has been executed or has
 /// failed to, and after a failure for up to a second more, in which the child writes its error. It
-/// leaves the action for SIGCHLD alone, may run on any thread and allocates no memory.
+/// leaves the action for SIGCHLD alone and may run on any thread. This form allocates no memory.
 ///
-/// @return the process id: a child of the caller, who waits for it and closes the read ends stored
-///         in the out-pointers. These are ordinary blocking descriptors, not close-on-exec.
-///         -1: nothing was started: a pipe could not be made or made close-on-exec, or fork failed.
-///         -2: the program could not be executed, or this could not be learnt because the read that
-///         waits for it failed or was interrupted by a signal. It is not retried, and the program
-///         may then be running, left to itself: signal handlers are best installed with SA_RESTART.
-///         After a failed exec the child has been waited for.
-///         The out-pointers are written on success only.
+/// The out-pointers are written on success only, with ordinary blocking descriptors, not
+/// close-on-exec.
+///
+/// @return the process id, that of a child of the caller, who waits for it and closes the read ends
+///         stored in the out-pointers; or one of the values below
+/// @retval -1 nothing was started: a pipe could not be made or made close-on-exec, or fork failed
+/// @retval -2 the program could not be executed, and its child has been waited for; or this could
+///         not be learnt because the read that waits for it failed or was interrupted by a signal.
+///         That read is not retried, and the program may then be running, left to itself: signal
+///         handlers are best installed with SA_RESTART.
 ///
 /// Nothing is logged. A child whose exec failed writes one line to its standard error, the text of
 /// the error in the caller's locale, and exits with status 1. That is the pipe for `stderrFd`,
@@ -126,7 +144,7 @@ int SystemNowait(std::string command, int* stdoutFd = nullptr, int* stderrFd = n
 
 /// Tests whether stat() succeeds on `path`.
 ///
-/// @return true: a file of any kind exists there and can be reached. A symbolic link counts when
+/// @return whether a file of any kind exists there and can be reached. A symbolic link counts when
 ///         its target exists.
 bool CheckFileExist(std::string path);
 
@@ -152,7 +170,9 @@ std::string Which(std::string name);
 
 /// @}
 
-/// @name Text
+/// @defgroup text Text
+/// Cutting, trimming, joining and comparing.
+///
 /// Characters are bytes; nothing depends on an encoding or, CompareHexStrings() apart, on the
 /// locale.
 /// @{
@@ -160,7 +180,8 @@ std::string Which(std::string name);
 /// Cuts a text at every separator byte.
 ///
 /// @return the fields, one more than there are separators, empty ones included: joined with the
-///         separator they give the text back.
+///         separator they give the text back. `a::b:` at ':' is `a`, an empty field, `b` and
+///         another empty one.
 std::vector<std::string> SplitString(std::string text, char separator);
 
 /// Trims a text.
@@ -198,10 +219,10 @@ std::string LongToString(long value);
 /// The elements stand in order with the separator between them, followed by a space when it is the
 /// comma or NUL. A separator or backslash inside an element has a backslash before it; every other
 /// byte stands for itself. An empty list is the empty text, and so is a list of one empty element.
-/// With the backslash as separator, which the format cannot have, the text is built the same way
-/// and cannot be read back.
+/// With the backslash as separator, which the format cannot have, the text is built the same way: a
+/// list of one element can be read back, one of several cannot.
 ///
-/// @return the text.
+/// @return the text: `a\,b, c\\d` for the elements `a,b` and `c\d` and the separator ','.
 std::string EncodeStringList(const std::list<std::string>& elements, char separator);
 
 /// Reads back what EncodeStringList() wrote. `*output` is cleared first; `text` is not one of its
@@ -213,32 +234,38 @@ std::string EncodeStringList(const std::list<std::string>& elements, char separa
 /// back, nor does one of empty elements that a blank separator joins. With the backslash as
 /// separator, every backslash is read as an escape.
 ///
-/// @return true when the whole text was read; false after a backslash that escapes neither a
-///         backslash nor the separator, or that ends the text: one line is logged with level 4
-///         ("DecodeStringList: Bad escape sequence" or "DecodeStringList: Trailing slash") and
-///         `*output` keeps the elements that a separator had closed. A null `output` is a
-///         programming error and stops the process in every build.
+/// @param output not null: that is a programming error and stops the process in every build.
+/// @retval true the whole text was read: `  x ,y\, z  ,` is `x`, `y, z` and an empty element
+/// @retval false a backslash escapes neither a backslash nor the separator, or ends the text: one
+///         line is logged with level 4 ("DecodeStringList: Bad escape sequence" or
+///         "DecodeStringList: Trailing slash") and `*output` keeps the elements that a separator
+///         had closed
 bool DecodeStringList(const std::string& text, std::list<std::string>* output, char separator);
 
-/// Compares two dotted versions, component by component, as texts of unsigned bytes: "10" is lower
-/// than "9", "1.0" is lower than "1.0a". A missing component equals the component "0" and is lower
-/// than any other, "00" and the empty one included.
+/// Compares two dotted versions, component by component, as texts of unsigned bytes: "1.10" is
+/// lower than "1.9", "1.0" is lower than "1.0a". A missing component equals the component "0" and
+/// is lower than any other, "00" and the empty one included: "1.2" equals "1.2.0" and is lower than
+/// "1.2.00".
 ///
 /// @return below, equal to or above 0, as the first is lower, equal or higher; only the sign
 ///         counts.
+/// @throws std::logic_error when an argument is null.
 int CompareVersions(const char* first, const char* second);
 
 /// Compares two hexadecimal numbers of any length. A leading "0x" (not "0X") and the zeros after it
 /// do not count, nor does the case of letters. The digits are not checked: longer is higher, then
 /// the first difference of the bytes decides, lowered by tolower() in the current locale and taken
-/// as unsigned.
+/// as unsigned. "0x00FF" equals "ff" and is lower than "100".
 ///
-/// @return -1, 0 or 1, as the first is lower, equal or higher.
+/// @retval -1 the first is lower
+/// @retval 0 they are equal
+/// @retval 1 the first is higher
 int CompareHexStrings(const char* first, const char* second);
 
 /// @}
 
-/// @name Encodings
+/// @defgroup encodings Encodings
+/// Character encodings and the case of letters.
 /// @{
 
 /// Converts text from one character encoding to another with iconv().
@@ -250,12 +277,15 @@ int CompareHexStrings(const char* first, const char* second);
 /// end at the first zero byte or code unit, which is missing when the text fills the whole buffer.
 /// `outlen` 0 with a null `out` is fine.
 ///
-/// Characters that the target does not have are dropped where iconv can do that (the suffix
-/// "//IGNORE"), otherwise the conversion stops there. There is exactly one call of iconv(). With
-/// the C library of Linux, a text in which something was dropped or is invalid is reported as bad
-/// input. One of more than about 8,000 characters goes through that library in blocks: a character
-/// that the target does not have then ends the conversion with its block, and an invalid byte
-/// vanishes without a line unless it is in the last block.
+/// Characters that the target does not have are dropped where iconv knows the suffix "//IGNORE".
+/// Elsewhere the conversion stops there, or the C library replaces them (musl, by "*"). There is
+/// exactly one call of iconv().
+///
+/// glibc reports a text in which something was dropped or is invalid as bad input, with two
+/// exceptions. Values above the range of Unicode in UCS-4 and UCS-4LE vanish without a line. And a
+/// text of more than about 8,000 characters is converted in blocks: a character that the target
+/// does not have then ends the conversion with its block, and an invalid byte vanishes without a
+/// line unless it is in the last block.
 ///
 /// Where iconv cannot convert between UTF-8 and the locale's encoding at all (both names empty or
 /// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
@@ -288,13 +318,19 @@ std::string Transcode(const char* from, const char* to, std::string in);
 /// ASCII as well in a UTF-8 locale.
 ///
 /// The result ends at the first NUL character. Characters outside the Basic Multilingual Plane and
-/// invalid bytes are dropped or end it, and a text that grows by more than two bytes (a lower-case
-/// letter can be longer) is cut at a character: Transcode(), which converts to "UCS-2" and back,
-/// logs such problems. There is no ASCII fallback. The locale is not to be changed meanwhile.
+/// invalid bytes are dropped, replaced or end it, as with Transcode(), and a text that grows by
+/// more than two bytes (a lower-case letter can be longer) is cut at a character: Transcode(),
+/// which converts to "UCS-2" and back, logs such problems. There is no ASCII fallback.
 ///
 /// @return the lowered text; the empty string where iconv cannot convert at all.
 /// @throws std::length_error as Transcode().
 std::string ToLower(std::string text);
+
+/// @}
+
+/// @defgroup codecs Codecs
+/// Base64, hexadecimal text and SHA-256.
+/// @{
 
 /// Encodes bytes as Base64 (RFC 4648, section 4): padded with "=", without line breaks.
 ///
@@ -306,7 +342,8 @@ std::string Base64Encode(std::string data);
 std::string Base64Encode(const unsigned char* data, unsigned long len);
 
 /// Decodes Base64 text (RFC 4648, section 4), strictly as to its length and characters, leniently
-/// as to its padding.
+/// as to its padding: `TWFu` is "Man", `TQ==` and `TR==` are "M", `QQ==QQ==` is "AA", `A===` is the
+/// byte 0x04.
 ///
 /// "=" may stand anywhere and counts as a digit with the value 64: it leaves out the second byte of
 /// its group where it is the third character and the third byte where it is the fourth, and
@@ -327,8 +364,8 @@ std::string Base64Decode(std::string text);
 /// the low 8 bits of the number), and a NUL byte ends a pair early. White space after a digit is
 /// refused.
 ///
-/// @return the bytes; the empty string for a text of odd length or with a pair that strtol() does
-///         not read to its end, and for the empty text.
+/// @return the bytes, "Hello" for `48656c6c6f`; the empty string for a text of odd length or with a
+///         pair that strtol() does not read to its end, and for the empty text.
 std::string HexASCIIToString(std::string hex);
 
 /// Computes the SHA-256 digest (FIPS 180-4) of all bytes of `data`.
@@ -338,7 +375,9 @@ void SHA256Digest(const std::string& data, unsigned char* digest);
 
 /// @}
 
-/// @name Files, users and the host
+/// @defgroup host Files, users and the host
+/// Directories and temporary files, the user's name and home, the desktop, the host's speed.
+///
 /// Paths are handed to the system as they are: nothing is normalised, resolved or converted.
 /// @{
 
@@ -350,16 +389,17 @@ void SHA256Digest(const std::string& data, unsigned char* digest);
 ///        With it, one that does not exist there hangs on the root directory: what stands before
 ///        its first "/" is dropped, and a path without one, the empty one included, is kept whole.
 /// @param recursive makes every missing directory above `path` as well, from the root on.
-/// @return true when `path` exists now; false when a directory could not be made, with errno of
-///         that mkdir(); the ones made before stay. False as well when another process makes the
-///         same directory at the same moment.
+/// @retval true `path` exists now
+/// @retval false a directory could not be made, with errno of that mkdir(); the ones made before
+///         stay. Also where another process makes the same directory at the same moment.
 bool CheckCreateDir(std::string path, bool recursive);
 
 /// Creates an empty file with a new name in /tmp: "/tmp/", `name` and six characters, mode 0600.
 ///
-/// A `name` of more than 500 bytes is refused: the template is cut to 511 bytes, and what is left
-/// has to end in "XXXXXX". One with "/" in it names a file in a folder below /tmp, which has to
-/// exist; with ".." in it, that leads out of /tmp. The file is the caller's to remove.
+/// The template, "/tmp/", `name` and "XXXXXX", is cut to 511 bytes. So a `name` of more than 500
+/// bytes is refused, unless what is left of it happens to end in "XXXXXX". One with "/" in it names
+/// a file in a directory below /tmp, which has to exist; with ".." in it, that leads out of /tmp.
+/// The file is the caller's to remove.
 ///
 /// @param fd receives the descriptor, open for reading and writing and not close-on-exec, which is
 ///        the caller's from then on; -1 on failure. Null: the file is closed.
@@ -368,7 +408,8 @@ std::string GenerateTempFile(std::string name, int* fd);
 
 /// Removes a file, or a symbolic link itself, with unlink(). Nothing is truncated.
 ///
-/// @return 0; -1 with errno set, for a directory as well.
+/// @retval 0 it is removed
+/// @retval -1 it is not, with errno set; so for a directory
 int UnlinkOrTruncate(const char* path);
 
 /// The temporary directory of a platform that has one of its own.
@@ -396,7 +437,8 @@ std::string calcRunningUser();
 /// Makes a path of the installation a full one.
 ///
 /// @return `path` when it begins with "/", otherwise `gxclient_prefix` + "/" + `path`, which is
-///         rooted at "/" until the client has set the prefix. That is read without a lock.
+///         rooted at "/" until the client has set the prefix. `lib/x` is `/opt/app/lib/x` with the
+///         prefix `/opt/app`.
 std::string AddPathPrefix(std::string path);
 
 /// Asks the desktop's file manager to show a file or directory, through the client's
@@ -421,13 +463,16 @@ struct Exportdata;
 
 /// Reads an option that lists NFS exports: path "," mode, and further pairs after one more ","
 /// each. The mode is exactly "ro", "rw" or "disabled". Inside a field, `\,` stands for a comma and
-/// `\\` for a backslash.
+/// `\\` for a backslash. `/home/ann,rw,/media/usb,ro` makes the records (`/home/ann`, 2) and
+/// (`/media/usb`, 1).
 ///
+/// @ingroup host
 /// @param exports is emptied first; the records it pointed to are not deleted. Receives one record
 ///        a pair, in order, valid or not; they are made with new and the caller's to delete. Access
 ///        is 1 for "ro", 2 for "rw", and 0 for "disabled", for another word and without a mode. An
 ///        empty path makes a record with access 0 and has no mode: what follows its comma is the
 ///        next path. An empty option, or the end of one after a comma, is an empty path. After an
 ///        exception the records made before it are in the vector.
-/// @return 1 when every pair was valid (an empty path does not count against it), otherwise 0.
+/// @retval 1 every pair was valid; an empty path does not count against it
+/// @retval 0 at least one was not
 int parse_nfs_export_option(std::string option, std::vector<Exportdata*>& exports);
