@@ -80,8 +80,8 @@ class DefaultSigchld {
   bool installed_ = false;
 };
 
-// Runs in the forked child: only async-signal-safe calls (signal-safety(7)) on values prepared before
-// the fork, as another thread may have held any lock then.
+// Runs in the forked child: only async-signal-safe calls (signal-safety(7)) on values prepared
+// before the fork, as another thread may have held any lock then.
 [[noreturn]] void ExecCaptured(const char* const* argv, Pipe& capture) {
   capture.readEnd.Reset();
   (void)dup2(capture.writeEnd.Get(), STDOUT_FILENO);
@@ -110,8 +110,8 @@ struct DetachedPipes {
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   const int error = errno;
   (void)!write(pipes.status.writeEnd.Get(), "e", 1);
-  // The parent waits for this child, which may wait for ever: to write to a full pipe that the parent
-  // itself reads.
+  // The parent waits for this child, which may wait for ever: to write to a full pipe that the
+  // parent itself reads.
   LimitLifetime(1);
   errorLines.Write(error, STDERR_FILENO);
   LeaveChild(kDetachedExecFailedStatus);
