@@ -15,10 +15,12 @@ endfunction()
 # private to the target: a client keeps its own flags.
 function(gxclient_configure_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
-  # Shared libraries export everything, also in the build of a client that hides its own symbols.
+  # Shared libraries export what is public, also in the build of a client that hides its own symbols.
+  # Inline functions are private ones: each library and program has its own.
   set_target_properties(${target} PROPERTIES
     CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET default
+    VISIBILITY_INLINES_HIDDEN ON
     BUILD_RPATH_USE_ORIGIN ON)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wconversion -Wshadow
     # assert() and the debug information name files relative to the project, on any machine.
