@@ -13,9 +13,9 @@ debian_packages() {
     valgrind) echo valgrind libc6-dbg ;;
     bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
     coverage) echo gcovr ;;
-    docs) echo doxygen ;;
+    docs) echo doxygen doxygen-awesome-css ;;
     fuzz) echo clang libclang-rt-dev ;;
-    package) echo dpkg-dev file ;;
+    package) echo dpkg-dev file lintian ;;
     *) return 1 ;;
   esac
 }
