@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Makes the reference of the public headers in build/docs, installing first what that needs, and says
 # where it begins. Fails for anything public without a comment and for a comment that Doxygen cannot
-# read.
+# read. Where the theme is not packaged it has Doxygen's own look.
 # usage: scripts/docs.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -9,5 +9,12 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh docs
 rm -rf build/docs
 mkdir -p build/docs
-doxygen docs/Doxyfile
-echo build/docs/html/gxclient__util_8h.html
+version=$(sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+theme=/usr/share/doxygen-awesome-css
+{
+  cat docs/Doxyfile
+  echo "PROJECT_NUMBER = $version"
+  [ ! -d "$theme" ] ||
+    echo "HTML_EXTRA_STYLESHEET = $theme/doxygen-awesome.css $theme/doxygen-awesome-sidebar-only.css docs/theme.css"
+} | doxygen -
+echo build/docs/html/index.html
