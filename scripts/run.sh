@@ -5,5 +5,5 @@ set -euo pipefail
 here=$(dirname "$0")
 
 "$here/setup.sh" build
-"$here/build.sh" release
+"$here/build.sh" --target gxutil release
 exec "$here/../build/release/tools/gxutil" "$@"

@@ -36,11 +36,10 @@ installed_debian() { dpkg-query -W -f '${db:Status-Status} ${Package}\n' | sed -
 installed_brew() { brew list -1; }
 
 install_debian() {
-  local as_root=()
-  [ "$(id -u)" = 0 ] || as_root=(sudo)
-  "${as_root[@]}" apt-get update &&
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-      apt-get install -y --no-install-recommends "$@"
+  local as_root=
+  [ "$(id -u)" = 0 ] || as_root=sudo
+  $as_root apt-get update &&
+    $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
 }
 install_brew() { brew install "$@"; }
 
@@ -62,6 +61,12 @@ if ! command -v "$manager" >/dev/null; then
 fi
 missing=$(comm -23 <(echo "$wanted") <("installed_$system" | sort -u))
 [ -n "$missing" ] || exit 0
+if [ "$system" = debian ] && [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
+  echo 'setup.sh: packages are missing and there is no sudo; an administrator has to run' >&2
+  # shellcheck disable=SC2086
+  echo '  apt-get update && apt-get install -y --no-install-recommends' $missing >&2
+  exit 1
+fi
 
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
