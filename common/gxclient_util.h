@@ -50,8 +50,8 @@ namespace GXUtils {
 /// the next space, or to the end. Every other byte, tab, newline, backslash, single quote and NUL
 /// included, is an ordinary part of an argument.
 ///
-/// `ls -l "my file"` is `ls`, `-l` and `my file`; `a"b c"` is `a"b` and `c"`; `"a"b` is `a` and
-/// `b`.
+///     ls -l "my file"    ls, -l, my file
+///     a"b c" "d"e        a"b, c", d, e
 ///
 /// @return the arguments in order; none for a command line of spaces only or of a lost field.
 std::vector<std::string> SplitCommandLine(std::string commandLine);
