@@ -65,8 +65,28 @@ int PrintLines(const std::vector<std::string>& lines, bool endWithNul);
 /// Prints "true" or "false"; the exit status is 0 or kFailure.
 int PrintBool(bool value);
 
-/// Writes "gxutil: ", the message and a line feed to the standard error stream; returns kFailure.
-int Fail(const std::string& message);
+/// Writes "gxutil: ", the message on one line and a line feed to the standard error stream, after
+/// the results so far; returns kFailure.
+int Fail(std::string message);
+
+/// Whether a call of the module has logged something, which was then shown as by Fail(). The
+/// command exits with kFailure, unless it fails with another status.
+bool HasLogged();
+
+/// Keeps to itself what is logged while it lives. There is one at a time.
+class KeptLog {
+ public:
+  KeptLog();
+  KeptLog(const KeptLog&) = delete;
+  KeptLog& operator=(const KeptLog&) = delete;
+  ~KeptLog();
+
+  void Keep(std::string message);
+  bool Has(const std::string& message) const;
+
+ private:
+  std::vector<std::string> lines_;
+};
 
 void AddProcessCommands(CLI::App& app);
 void AddTextCommands(CLI::App& app);

@@ -7,10 +7,32 @@
 namespace gxutil {
 namespace {
 
-// A decoder gives the empty string for bad input, which empty input does as well.
-int PrintDecoded(const std::string& text, const std::string& bytes) {
-  if (bytes.empty() && !text.empty()) return Fail("the text is malformed");
-  return PrintBytes(bytes);
+// A decoder gives the empty string for bad input, which empty input does as well. `rule` says what
+// good input is.
+int PrintDecoded(const std::string& text, const std::string& bytes, const std::string& rule) {
+  if (!bytes.empty() || text.empty()) return PrintBytes(bytes);
+  if (text.find_first_of("\r\n") == std::string::npos) return Fail("the text is not " + rule);
+  return Fail("a line feed is not part of the text; tr -d '\\r\\n' takes it out");
+}
+
+// Prints the text that the string form returns. It ends at the first zero byte; whether there was
+// more is known from a buffer that the printed text fills.
+int PrintTranscoded(const std::string& from, const std::string& to, const std::string& text) {
+  std::string converted = GXUtils::Transcode(from.c_str(), to.c_str(), text);
+  (void)PrintBytes(converted);
+  if (HasLogged()) return 0;  // said already that something is lost
+  const KeptLog log;
+  GXUtils::Transcode(from.c_str(), to.c_str(), text.data(), text.size(), converted.data(),
+                     converted.size());
+  if (!log.Has("iconv: Insufficient space")) return 0;
+  return Fail("the result is printed up to its first zero byte; -b SIZE prints a whole buffer");
+}
+
+int PrintLowered(const std::string& text) {
+  if (text.find('\0') != std::string::npos) {
+    return Fail("the text has a NUL byte, at which the result would end");
+  }
+  return PrintBytes(GXUtils::ToLower(text));
 }
 
 std::string HexDigest(const std::string& data) {
@@ -33,14 +55,14 @@ void AddCodecCommands(CLI::App& app) {
     const auto input = Input(command, "TEXT", "The text, without line ends");
     return [=] {
       const std::string text = input();
-      return PrintDecoded(text, GXUtils::Base64Decode(text));
+      return PrintDecoded(text, GXUtils::Base64Decode(text), "Base64: fours of A-Z a-z 0-9 + / =");
     };
   });
   Add(app, "hex-ascii-to-string", "Read hexadecimal digits", [](CLI::App& command) {
     const auto input = Input(command, "TEXT", "The digits, without line ends");
     return [=] {
       const std::string text = input();
-      return PrintDecoded(text, GXUtils::HexASCIIToString(text));
+      return PrintDecoded(text, GXUtils::HexASCIIToString(text), "pairs of hexadecimal digits");
     };
   });
   Add(app, "sha256-digest", "Print the SHA-256 digest in hexadecimal", [](CLI::App& command) {
@@ -60,9 +82,7 @@ void AddEncodingCommands(CLI::App& app) {
                            ->option_text("SIZE")
                            ->check(CLI::Range(0, 1 << 30));
     return [=] {
-      if (size->count() == 0) {
-        return PrintBytes(GXUtils::Transcode(from().c_str(), to().c_str(), text()));
-      }
+      if (size->count() == 0) return PrintTranscoded(from(), to(), text());
       const std::string in = text();
       std::string buffer(size->as<std::size_t>(), '\0');
       GXUtils::Transcode(from().c_str(), to().c_str(), in.data(), in.size(), buffer.data(),
@@ -72,7 +92,7 @@ void AddEncodingCommands(CLI::App& app) {
   });
   Add(app, "to-lower", "Lower the letters of a UTF-8 text", [](CLI::App& command) {
     const auto text = Input(command, "TEXT", "The text");
-    return [=] { return PrintBytes(GXUtils::ToLower(text())); };
+    return [=] { return PrintLowered(text()); };
   });
   AddCodecCommands(app);
 }

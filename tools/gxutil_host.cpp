@@ -30,8 +30,18 @@ int MakeDirectory(const std::string& path, bool recursive) {
 }
 
 int ShowFile(const std::string& path) {
-  const int status = GXUtils::ShowInFileManager(path);
-  return status == 0 ? 0 : Fail("status " + std::to_string(status));
+  switch (const int status = GXUtils::ShowInFileManager(path)) {
+    case 0:
+      return 0;
+    case 1:
+      return Fail("status 1: nothing is there, or it cannot be reached");
+    case 2:
+      return Fail("status 2: no program, session bus or display shows it; see 'gxutil doctor'");
+    case 3:
+      return Fail("status 3: the file manager gave no answer in time; it may still show the file");
+    default:
+      return Fail("status " + std::to_string(status));
+  }
 }
 
 void AddFileCommands(CLI::App& app) {
@@ -77,7 +87,8 @@ void AddFileCommands(CLI::App& app) {
 void AddHostCommands(CLI::App& app) {
   AddFileCommands(app);
   Add(app, "home-dir", "Print the home directory; makes .gannorex in it", [](CLI::App& command) {
-    const auto* user = command.add_option("USER", "The user (default: the running one)");
+    const auto* user = command.add_option(
+        "USER", "Looked up only where HOME is \"/\"\n(default: the running user)");
     return [=] {
       const bool given = user->count() != 0;
       return PrintLine(

@@ -26,7 +26,7 @@ roff() {
     }
     summary == "" { summary = $0; next }
     /^[A-Z][A-Za-z ]*:$/ {
-      listed = toupper($0) != "SUBCOMMANDS:"  # each of them has a text of its own
+      listed = toupper($0) != "COMMANDS:"  # each of them has a text of its own
       if (whole && listed) print ".SH " toupper(substr($0, 1, length($0) - 1))
       next
     }
@@ -45,7 +45,7 @@ roff() {
 
 help=$("$@" --help)
 commands=$(printf '%s\n' "$help" |
-  awk '/^[A-Z].*:$/ { on = toupper($0) == "SUBCOMMANDS:" } on && /^  [a-z]/ { print $1 }')
+  awk '/^[A-Z].*:$/ { on = toupper($0) == "COMMANDS:" } on && /^  [a-z]/ { print $1 }')
 [ -n "$commands" ] || { echo "gxutil_man.sh: the help names no command" >&2; exit 1; }
 summary=$(printf '%s\n' "$help" | sed -n '1s/^C/c/; 1s/\.$//p')
 version=$("$@" --version)

@@ -1,7 +1,5 @@
 // Running and finding programs.
 
-#include <cstdio>
-
 #include "gxclient_util.h"
 #include "gxutil.h"
 #include "support/argvector.h"
@@ -13,13 +11,11 @@ constexpr int kNoStatus = 125;  // what we exit with for a program that left no 
 
 int ShowRun(int result, const std::string& output, int exitCode) {
   (void)PrintBytes(output);
-  // What the program printed comes first where both streams go to one place.
-  (void)std::fflush(stdout);
   if (result == -1) {
-    (void)std::fprintf(stderr, "result -1\n");
+    (void)Fail("result -1: a signal ended the program, or it could not be run");
     return kNoStatus;
   }
-  (void)std::fprintf(stderr, "result %d, exit status %d\n", result, exitCode);
+  (void)Fail("result " + std::to_string(result) + ", exit status " + std::to_string(exitCode));
   return exitCode;
 }
 
@@ -38,7 +34,7 @@ int Launch(const OperandList& operands, StringForm stringForm, ArrayForm arrayFo
 
 OperandList CommandOperands(CLI::App& command) {
   return {command, "COMMAND | -- PROGRAM ARGUMENT...",
-          "A command line to be split, or the program and its arguments"};
+          "A command line, or a program and its arguments"};
 }
 
 int RunProgram(const OperandList& operands) {
@@ -54,7 +50,8 @@ int RunProgram(const OperandList& operands) {
 int StartProgram(const OperandList& operands) {
   const auto start = [](const auto& command) { return GXUtils::SystemNowait(command); };
   const int pid = Launch(operands, start, start);
-  if (pid < 0) return Fail("result " + std::to_string(pid));
+  if (pid == -1) return Fail("result -1: no pipe or process could be made");
+  if (pid < 0) return Fail("result -2: the program could not be executed");
   return PrintLine(std::to_string(pid));
 }
 
@@ -66,12 +63,16 @@ void AddProcessCommands(CLI::App& app) {
     const auto nul = NullOption(command);
     return [=] { return PrintLines(GXUtils::SplitCommandLine(text()), nul()); };
   });
-  Add(app, "system",
-      "Run a program, print what it printed, exit as it exited (125: no exit status)",
-      [](CLI::App& command) {
-        return [operands = CommandOperands(command)] { return RunProgram(operands); };
-      });
-  Add(app, "system-nowait", "Start a program in its own session and print its process id",
+  Add(app, "system", "Run a program, print its output, exit as it exited", [](CLI::App& command) {
+    const OperandList operands = CommandOperands(command);
+    command.footer(
+        "The output comes at the end: when the program has ended, and whatever it has\n"
+        "left behind that holds its output. A NUL byte and what follows it in a piece of\n"
+        "255 bytes are lost. The exit status is that of the program, 125 where it left\n"
+        "none.");
+    return [=] { return RunProgram(operands); };
+  });
+  Add(app, "system-nowait", "Start a program in its own session, print its id",
       [](CLI::App& command) {
         return [operands = CommandOperands(command)] { return StartProgram(operands); };
       });

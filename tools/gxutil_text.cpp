@@ -1,5 +1,9 @@
 // Splitting, joining, trimming and comparing text.
 
+#include <charconv>
+#include <cstring>
+#include <system_error>
+
 #include <unistd.h>
 
 #include "gxclient_util.h"
@@ -18,10 +22,27 @@ int PrintInputLines(bool endWithNul) {
     const ssize_t count = read(STDIN_FILENO, chunk, sizeof chunk - 1);
     if (count < 0) return Fail("the standard input cannot be read");
     if (count == 0) break;
+    if (std::memchr(chunk, '\0', static_cast<std::size_t>(count)) != nullptr) {
+      return Fail("the standard input has a NUL byte, which a line cannot hold");
+    }
     chunk[count] = '\0';
     (void)PrintLines(GXUtils::StringLines(chunk, &pending), endWithNul);
   }
   return PrintBytes(pending);  // a last line without a line end
+}
+
+std::errc ReadNumber(const std::string& text, long* number) {
+  const char* end = text.data() + text.size();
+  const auto [next, error] = std::from_chars(text.data(), end, *number);
+  return error == std::errc() && next != end ? std::errc::invalid_argument : error;
+}
+
+std::string NumberTrouble(const std::string& text) {
+  long number = 0;
+  const std::errc error = ReadNumber(text, &number);
+  if (error == std::errc()) return {};
+  if (error == std::errc::result_out_of_range) return text + " is beyond the range of a long";
+  return "'" + text + "' is no number in decimal";
 }
 
 void AddListCommands(CLI::App& app) {
@@ -76,11 +97,13 @@ void AddTextCommands(CLI::App& app) {
     };
   });
   Add(app, "long-to-string", "Write a number in decimal", [](CLI::App& command) {
-    const auto* value = command.add_option("NUMBER", "The number")
-                            ->required()
-                            ->check(CLI::Number)
-                            ->option_text("REQUIRED");
-    return [=] { return PrintLine(GXUtils::LongToString(value->as<long>())); };
+    const auto text = Operand(command, "NUMBER", "The number");
+    command.get_option("NUMBER")->check(NumberTrouble);
+    return [=] {
+      long number = 0;
+      (void)ReadNumber(text(), &number);
+      return PrintLine(GXUtils::LongToString(number));
+    };
   });
   Add(app, "compare-versions", "Print -1, 0 or 1 for two versions", [](CLI::App& command) {
     const auto first = Operand(command, "FIRST", "A dotted version");
