@@ -1,5 +1,7 @@
 // Running and finding programs.
 
+#include <csignal>
+
 #include "gxclient_util.h"
 #include "gxutil.h"
 #include "support/argvector.h"
@@ -9,10 +11,46 @@ namespace {
 
 constexpr int kNoStatus = 125;  // what we exit with for a program that left no exit status
 
+volatile std::sig_atomic_t interrupted = 0;
+
+void TakeInterrupts(int flags);
+
+// From the second one on, an interrupt ends the read or the wait that it comes upon.
+void CountInterrupt(int /*signal*/) {
+  interrupted = 1;
+  TakeInterrupts(0);
+}
+
+void TakeInterrupts(int flags) {
+  struct sigaction action {};
+  action.sa_handler = CountInterrupt;
+  action.sa_flags = flags;
+  sigemptyset(&action.sa_mask);
+  (void)sigaction(SIGINT, &action, nullptr);
+}
+
+// While a program runs, an interrupt from the keyboard is for the program, which has it as well:
+// what it still prints is captured. Pressed again, it ends the capture, then the wait.
+class ProgramsInterrupt {
+ public:
+  ProgramsInterrupt() {
+    (void)sigaction(SIGINT, nullptr, &saved_);
+    if (saved_.sa_handler != SIG_IGN) TakeInterrupts(SA_RESTART);
+  }
+  ProgramsInterrupt(const ProgramsInterrupt&) = delete;
+  ProgramsInterrupt& operator=(const ProgramsInterrupt&) = delete;
+  ~ProgramsInterrupt() { (void)sigaction(SIGINT, &saved_, nullptr); }
+
+ private:
+  struct sigaction saved_ {};
+};
+
 int ShowRun(int result, const std::string& output, int exitCode) {
   (void)PrintBytes(output);
   if (result == -1) {
     (void)Fail("result -1: a signal ended the program, or it could not be run");
+    // Ends as the program did, so that a script that runs this ends as well.
+    if (interrupted != 0) (void)std::raise(SIGINT);
     return kNoStatus;
   }
   (void)Fail("result " + std::to_string(result) + ", exit status " + std::to_string(exitCode));
@@ -43,7 +81,10 @@ int RunProgram(const OperandList& operands) {
   const auto run = [&](const auto& command) {
     return GXUtils::System(command, &output, &exitCode);
   };
-  const int result = Launch(operands, run, run);
+  const int result = [&] {
+    const ProgramsInterrupt interrupt;
+    return Launch(operands, run, run);
+  }();
   return ShowRun(result, output, exitCode);
 }
 
@@ -69,7 +110,8 @@ void AddProcessCommands(CLI::App& app) {
         "The output comes at the end: when the program has ended, and whatever it has\n"
         "left behind that holds its output. A NUL byte and what follows it in a piece of\n"
         "255 bytes are lost. The exit status is that of the program, 125 where it left\n"
-        "none.");
+        "none. An interrupt from the keyboard is for the program; what it printed comes\n"
+        "then as well.");
     return [=] { return RunProgram(operands); };
   });
   Add(app, "system-nowait", "Start a program in its own session, print its id",
