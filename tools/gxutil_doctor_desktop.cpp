@@ -10,6 +10,10 @@ namespace {
 using GXSupport::Environment;
 using GXSupport::SessionBusAddress;
 
+std::string Displays() {
+  return GXUtils::Strip(Environment("WAYLAND_DISPLAY") + " " + Environment("DISPLAY"), " ");
+}
+
 // Whether the bus answers a question about its names. dbus-send itself waits without end for a bus
 // that accepts connections and says nothing.
 bool AskBus(const char* method, std::string* answer) {
@@ -29,25 +33,36 @@ bool AskBus(const char* method, std::string* answer) {
 }
 
 Fact NoAnswer(const std::string& said) {
-  return {said.empty() ? "unknown" : said, "the session bus does not answer"};
+  return {said.empty() ? "unknown" : said, "the session bus does not answer",
+          "Log out of the desktop and in again."};
+}
+
+Fact Program(const char* name, const std::string& package) {
+  const std::string path = GXUtils::Which(name);
+  return {path.empty() ? "none (Debian's package " + package + " has one)" : path};
 }
 
 }  // namespace
 
+Fact Desktop() {
+  const std::string name = Environment("XDG_CURRENT_DESKTOP");
+  return {name.empty() ? "none (XDG_CURRENT_DESKTOP is not set)" : name};
+}
+
+bool HasDesktop() { return !(Environment("XDG_CURRENT_DESKTOP") + Displays()).empty(); }
+
 Fact Opener() {
 #ifdef __APPLE__
   const std::string path = GXUtils::Which("open");
-#else
-  const std::string path = GXUtils::Which("xdg-open");
-#endif
   return {path.empty() ? "none" : path};
+#else
+  return Program("xdg-open", "xdg-utils");
+#endif
 }
 
-Fact Display() {
-  const std::string displays =
-      GXUtils::Strip(Environment("WAYLAND_DISPLAY") + " " + Environment("DISPLAY"), " ");
-  return {displays.empty() ? "none" : displays};
-}
+Fact BusTool() { return Program("dbus-send", "dbus-bin"); }
+
+Fact Display() { return {Displays().empty() ? "none" : Displays()}; }
 
 Fact SessionBus() {
   const std::string address = SessionBusAddress();
