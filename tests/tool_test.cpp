@@ -1,4 +1,5 @@
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,20 +26,43 @@ std::string Transcript(const std::string& command) {
   return exitCode == 0 ? output : output + "[" + std::to_string(exitCode) + "]\n";
 }
 
-TEST(Gxutil, DoesWhatTheSessionSays) {
-  std::ifstream file(GXUTIL_SESSION);
+// Runs each command of a transcript and compares what it prints.
+void Follow(std::istream& transcript, std::size_t least) {
   std::vector<std::pair<std::string, std::string>> session;
-  for (std::string line; std::getline(file, line);) {
+  for (std::string line; std::getline(transcript, line);) {
     if (line.rfind("$ ", 0) == 0) {
       session.emplace_back(line.substr(2), "");
     } else if (!line.empty() && line[0] != '#') {
       session.back().second += line + "\n";
     }
   }
-  EXPECT_GT(session.size(), 100U);
+  EXPECT_GE(session.size(), least);
   for (const auto& [command, expected] : session) {
     EXPECT_EQ(Transcript(command), expected) << command;
   }
+}
+
+TEST(Gxutil, DoesWhatTheSessionSays) {
+  std::ifstream session(GXUTIL_SESSION);
+  Follow(session, 100);
+}
+
+TEST(Gxutil, DoesWhatTheManualSays) {
+  std::ifstream manual(GXUTIL_MANUAL);
+  std::stringstream examples;
+  bool inExample = false;
+  for (std::string line; std::getline(manual, line);) {
+    if (line == ".EX" || line == ".EE") {
+      inExample = line == ".EX";
+      continue;
+    }
+    if (!inExample) continue;
+    for (const auto& [roff, text] : {std::pair{"\\-", "-"}, {"\\(aq", "'"}, {"\\e", "\\"}}) {
+      line = GXUtils::ReplaceInString(line, roff, text);
+    }
+    examples << line << '\n';
+  }
+  Follow(examples, 10);
 }
 
 }  // namespace

@@ -252,7 +252,7 @@ int Run(std::vector<std::string> arguments) {
   app.footer(
       "Exit status:\n"
       "  0  The operation succeeded\n"
-      "  1  It failed or lost something, as the standard error says\n"
+      "  1  It failed or lost something\n"
       "  2  The command line makes no sense");
 
   arguments = ReplaceWords(std::move(arguments));

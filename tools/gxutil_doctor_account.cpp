@@ -19,8 +19,7 @@
 namespace gxutil {
 namespace {
 
-constexpr char kHomeAdvice[] =
-    "Set HOME to a directory that is there and that this user may enter.";
+constexpr char kHomeAdvice[] = "Set HOME to a directory that this user may enter.";
 constexpr char kRoomAdvice[] = "Make room there: delete what is not needed any more.";
 
 std::string ErrorText() { return std::strerror(errno); }

@@ -1,63 +1,56 @@
 #!/bin/sh
-# Writes the manual page of gxutil, compressed, from the help texts that the program prints.
-# usage: gxutil_man.sh OUTPUT DATE GXUTIL...   (GXUTIL may have an emulator before it)
+# Writes the manual page of gxutil, compressed: the part written by hand, with the commands from the
+# help texts that the program prints.
+# usage: gxutil_man.sh TEMPLATE OUTPUT DATE GXUTIL...   (GXUTIL may have an emulator before it)
 set -eu
-output=$1
-date=$2
-shift 2
+template=$1
+output=$2
+date=$3
+shift 3
 
-# Turns one help text into roff: that of a command, or of the whole program with `whole` set.
-roff() {
-  awk -v whole="$1" '
-    function escaped(text) {
-      gsub(/\\/, "\\e", text); gsub(/-/, "\\-", text); gsub(/\047/, "\\(aq", text)
-      return text
-    }
-    function tag(text) {
-      sub(/ REQUIRED$/, "", text); sub(/,--/, ", --", text)
-      print ".TP"
-      print "\\fB" escaped(text) "\\fR"
-    }
+# Text as roff has it. The awk programs differ in what a backslash is to gsub(), sed does not.
+escaped() {
+  sed -e 's/\\/\\e/g' -e 's/-/\\-/g' -e "s/'/\\\\(aq/g" -e 's/^\( *\)\./\1\\\&./'
+}
+
+# Turns the help text of a command into roff: a heading with the usage, the summary, the operands and
+# options with a paragraph each, and what stands below them. All commands have --help.
+command_as_roff() {
+  help=$(sed -e '/^ *-h, *--help/d' -e 's/, *--/, --/')
+  options=$(printf '%s\n' "$help" | grep -c '^  -' || true)
+  printf '%s\n' "$help" | escaped | awk -v options="$options" '
     /^Usage: gxutil / {
       sub(/^Usage: gxutil /, "")
-      print whole ? ".SH SYNOPSIS\n.B gxutil" : ".SS " escaped($0)
-      print escaped(whole ? $0 : summary)
+      sub(/ \[OPTIONS\]/, options > 0 ? " [OPTION]..." : "")
+      print ".SS " $0 "\n" summary
       next
     }
     summary == "" { summary = $0; next }
-    /^[A-Z][A-Za-z ]*:$/ {
-      listed = toupper($0) != "COMMANDS:"  # each of them has a text of its own
-      if (whole && listed) print ".SH " toupper(substr($0, 1, length($0) - 1))
-      next
-    }
-    /^ +-h,--help/ && !whole { next }
-    /^$/ { next }
-    /^  / && !listed { next }
+    /^(Operands|Options|OPTIONS|POSITIONALS):$/ || /^$/ { next }
     /^  [^ ]/ {
       end = match($0, /[^ ]  +[^ ]/)
-      tag(end ? substr($0, 3, end - 2) : substr($0, 3))
-      if (end) print escaped(substr($0, end + RLENGTH - 1))
+      tag = end ? substr($0, 3, end - 2) : substr($0, 3)
+      sub(/ *$/, "", tag)
+      print ".TP\n.B " tag
+      if (end) print substr($0, end + RLENGTH - 1)
       next
     }
     !/^ / && !text { print ".PP"; text = 1 }
-    { sub(/^ +/, ""); print escaped($0) }'
+    { sub(/^ +/, ""); print }'
 }
 
-help=$("$@" --help)
-commands=$(printf '%s\n' "$help" |
-  awk '/^[A-Z].*:$/ { on = toupper($0) == "COMMANDS:" } on && /^  [a-z]/ { print $1 }')
-[ -n "$commands" ] || { echo "gxutil_man.sh: the help names no command" >&2; exit 1; }
-summary=$(printf '%s\n' "$help" | sed -n '1s/^C/c/; 1s/\.$//p')
-version=$("$@" --version)
-
-page=$(
-  printf '.TH GXUTIL 1 %s "%s" "User Commands"\n' "$date" "$version"
-  printf '.SH NAME\ngxutil \\- %s\n' "$summary"
-  printf '%s\n' "$help" | roff 1
-  printf '.SH COMMANDS\n'
-  for command in $commands; do
-    help=$("$@" "$command" --help)
-    printf '%s\n' "$help" | roff ''
+names=$("$@" --help | sed -n '/^Commands:$/,/^$/s/^  \([a-z][^ ]*\).*/\1/p')
+[ -n "$names" ] || { echo "gxutil_man.sh: the help names no command" >&2; exit 1; }
+version=$("$@" --version | escaped)
+commands=$(
+  for name in $names; do
+    "$@" "$name" --help | command_as_roff
   done
 )
-printf '%s\n' "$page" | gzip -9n >"$output"
+
+while IFS= read -r line; do
+  case $line in
+    *@COMMANDS@*) printf '%s\n' "$commands" ;;
+    *) printf '%s\n' "$line" | sed -e "s|@DATE@|$date|" -e "s|@VERSION@|$version|" ;;
+  esac
+done <"$template" | gzip -9n >"$output"
