@@ -31,7 +31,7 @@ if [ "${1:-}" = --transcript ]; then
   echo 'gxutil() { valgrind "$(type -P gxutil)" "$@" 9>>"$reports/gxutil.log"; }' >"$reports/gxutil.bash"
   # The reports count here, not the test: valgrind needs descriptors of its own, and some commands
   # that limit them print something else.
-  BASH_ENV=$reports/gxutil.bash build/debug/tests/tool_test --gtest_brief=1 >"$reports/tool_test.out" || true
+  BASH_ENV=$reports/gxutil.bash ctest --test-dir build/debug -R '^gxutil\.' >"$reports/gxutil.out" || true
 else
   printf '%s\n' build/debug/tests/*_test |
     xargs -P "$(getconf _NPROCESSORS_ONLN)" -I{} sh -c 'report=$reports/${1##*/}

@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# Follows a section of a transcript of gxutil: runs its commands, each in an empty directory below
+# /tmp, and compares what they print. In a transcript "$ " begins a command and "> " goes on with it;
+# the other lines are what it prints on both streams. (no-eol) stands behind an output that does not
+# end with a line feed, an exit status other than 0 below it in brackets. "# NAME: " begins a section;
+# in the manual page the examples are one.
+# usage: session.sh TRANSCRIPT SECTION DIRECTORY_OF_GXUTIL
+set -euo pipefail
+exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-  # what the caller left open
+export LC_ALL=C.UTF-8 PATH=$3:$PATH
+unset LANGUAGE
+work=$(mktemp -d /tmp/gxutil.XXXXXX)
+trap 'rm -rf "$work"' EXIT
+
+section() {
+  if [ "$2" = EXAMPLES ]; then
+    sed -n "/^\.EX/,/^\.EE/{/^\./d; s/\\\\-/-/g; s/\\\\(aq/'/g; s/\\\\e/\\\\/g; p;}" "$1"
+  else
+    sed -n "/^# $2: /,/^# [a-z]*: /{/^#/d; /./p;}" "$1"
+  fi
+}
+
+run() {
+  [ -n "$1" ] || return 0
+  printf '$ %s\n' "${1//$'\n'/$'\n> '}"
+  mkdir "$work/empty"
+  local status=0
+  (cd "$work/empty" && exec bash -c "$1") >"$work/output" 2>&1 </dev/null || status=$?
+  rm -rf "$work/empty"
+  cat "$work/output"
+  [ ! -s "$work/output" ] || [ -z "$(tail -c 1 "$work/output")" ] || echo ' (no-eol)'
+  [ "$status" = 0 ] || echo "[$status]"
+}
+
+follow() {
+  local command='' line
+  while IFS= read -r line; do
+    case $line in
+      '$ '*) run "$command"; command=${line#??} ;;
+      '> '*) command+=$'\n'${line#??} ;;
+    esac
+  done
+  run "$command"
+}
+
+section "$1" "$2" >"$work/expected"
+[ -s "$work/expected" ]
+follow <"$work/expected" >"$work/actual"
+diff "$work/expected" "$work/actual"
