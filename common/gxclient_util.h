@@ -201,13 +201,13 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
 /// carriage return and a line feed, also where a piece ends between the two; other carriage returns
 /// are data.
 ///
-/// @param pending the unfinished line, kept by the caller between the calls and empty at first. Not
-///        null, and `chunk` does not point into it. What is left in it at the end of the text is a
-///        last line without a line end. Each call looks through it once for line ends that the
-///        caller may have put there, so a line that arrives in very many pieces costs time in the
-///        square of their number.
+/// @param tail the unfinished line, kept by the caller between the calls and empty at first. Not
+///        null; `chunk` may point into it. What is left in it at the end of the text is a last line
+///        without a line end. Each call searches it once for line ends that the caller may have put
+///        there, so a line that arrives in very many pieces costs time in the square of their
+///        number. A call that throws leaves it as it was.
 /// @return the lines completed by `chunk`, without their line ends.
-std::vector<std::string> StringLines(const char* chunk, std::string* pending);
+std::vector<std::string> StringLines(const char* chunk, std::string* tail);
 
 /// Writes a number in decimal.
 ///

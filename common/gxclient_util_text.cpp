@@ -15,6 +15,24 @@
 namespace GXUtils {
 namespace {
 
+// The number of bytes that `matches` is true for. Counted in blocks: with a fixed number of rounds
+// compilers vectorise a loop at every level of optimisation. g++ 12 -O2 then takes a tenth of the
+// time of std::count_if().
+template <class Matches>
+std::size_t CountIf(std::string_view text, Matches matches) {
+  constexpr std::size_t kBlock = 64;
+  std::size_t count = 0;
+  for (; text.size() >= kBlock; text.remove_prefix(kBlock)) {
+    const char* bytes = text.data();
+    unsigned char inBlock = 0;
+    for (std::size_t i = 0; i < kBlock; ++i) {
+      inBlock = static_cast<unsigned char>(inBlock + (matches(bytes[i]) ? 1 : 0));
+    }
+    count += inBlock;
+  }
+  return count + static_cast<std::size_t>(std::count_if(text.begin(), text.end(), matches));
+}
+
 // A set of bytes with a look-up in constant time.
 class ByteSet {
  public:
@@ -135,19 +153,16 @@ void ReplaceInPlace(std::string& text, std::size_t found, std::string_view wante
   text.resize(end);
 }
 
-// Appends the lines that `text` completes to `lines`. `open` is the unfinished line: on entry what
-// came before `text`, on return what stands after the last line end.
-void CutLines(std::string_view text, std::string& open, std::vector<std::string>& lines) {
+// Appends the lines that `text` holds to `lines`, each without its line end. Returns what stands
+// after the last one.
+std::string_view CutLines(std::string_view text, std::vector<std::string>& lines) {
   for (;;) {
     const std::size_t end = text.find('\n');
-    if (end == std::string_view::npos) break;
-    open.append(text.data(), end);
-    if (!open.empty() && open.back() == '\r') open.pop_back();
-    lines.push_back(std::move(open));
-    open.clear();
+    if (end == std::string_view::npos) return text;
+    const bool hasReturn = end > 0 && text[end - 1] == '\r';
+    lines.emplace_back(text.data(), hasReturn ? end - 1 : end);
     text.remove_prefix(end + 1);
   }
-  open.append(text);
 }
 
 const char* SkipHexPrefix(const char* text) {
@@ -207,21 +222,28 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
   return result;
 }
 
-std::vector<std::string> StringLines(const char* chunk, std::string* pending) {
+std::vector<std::string> StringLines(const char* chunk, std::string* tail) {
   const std::string_view added = chunk;
   std::vector<std::string> lines;
-  // StringLines() leaves none there, but the caller may have put some.
-  const bool pendingHasLineEnds = pending->find('\n') != std::string::npos;
-  if (!pendingHasLineEnds && added.find('\n') == std::string_view::npos) {
-    pending->append(added);
+  // StringLines() leaves no line end in the tail, but the caller may have put some there.
+  if (tail->find('\n') != std::string::npos) {
+    const std::string joined = std::string(*tail).append(added);
+    std::string rest(CutLines(joined, lines));
+    tail->swap(rest);
     return lines;
   }
-  lines.reserve(static_cast<std::size_t>(std::count(added.begin(), added.end(), '\n')));
-  if (pendingHasLineEnds) {
-    const std::string tail = std::exchange(*pending, std::string());
-    CutLines(tail, *pending, lines);
+  const std::size_t end = added.find('\n');
+  if (end == std::string_view::npos) {
+    tail->append(added);
+    return lines;
   }
-  CutLines(added, *pending, lines);
+  lines.reserve(CountIf(added, [](char byte) { return byte == '\n'; }));
+  std::string& first = lines.emplace_back();
+  first.reserve(tail->size() + end);
+  first.append(*tail).append(added, 0, end);
+  if (!first.empty() && first.back() == '\r') first.pop_back();
+  // Last, since a call that throws leaves the tail as it was.
+  tail->assign(CutLines(added.substr(end + 1), lines));
   return lines;
 }
 
