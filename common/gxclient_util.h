@@ -339,6 +339,9 @@ std::string Base64Encode(std::string data);
 
 /// The same for the `len` bytes at `data`, which may be null when `len` is 0. They stay the
 /// caller's and are not changed.
+///
+/// @throws std::length_error, before anything is read, when no string can hold the text, as with a
+///         -1 that was cast.
 std::string Base64Encode(const unsigned char* data, unsigned long len);
 
 /// Decodes Base64 text (RFC 4648, section 4), strictly as to its length and characters, leniently

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <stdexcept>
 
 #include <nettle/sha2.h>
 #include <nettle/version.h>
@@ -134,6 +135,7 @@ void EncodeInto(char* out, const Byte* in, std::size_t size) {
 }
 
 std::string Encode(const Byte* in, std::size_t size) {
+  if (size > std::string().max_size() / 4 * 3) throw std::length_error("the data is too long");
   constexpr std::size_t kPieceSize = 3072;  // a multiple of 3: only the last piece is padded
   if (size <= kPieceSize) {
     std::string text(EncodedSize(size), '\0');

@@ -1,5 +1,6 @@
 #include <cerrno>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -63,5 +64,13 @@ TEST(StringLines, TakesAChunkFromItsTail) {
     c.tail.shrink_to_fit();
     EXPECT_EQ(StringLines(c.tail.c_str() + c.start, &c.tail), c.lines);
     EXPECT_EQ(c.tail, c.left);
+  }
+}
+
+TEST(Base64Encode, RefusesALengthThatCannotBe) {
+  const unsigned char data[] = "abc";
+  const unsigned long longest = std::string().max_size() / 4 * 3;
+  for (const unsigned long length : {longest + 1, static_cast<unsigned long>(-1)}) {
+    EXPECT_THROW(GXUtils::Base64Encode(data, length), std::length_error);
   }
 }
