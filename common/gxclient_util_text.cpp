@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <functional>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -171,6 +173,16 @@ const char* SkipHexPrefix(const char* text) {
   return text;
 }
 
+bool EndsComponent(char byte) { return byte == '.' || byte == '\0'; }
+
+// Whether every component of `rest`, which is empty or begins with a full stop, is "0".
+bool HasOnlyZeros(const char* rest) {
+  for (; *rest != '\0'; rest += 2) {
+    if (rest[1] != '0' || !EndsComponent(rest[2])) return false;
+  }
+  return true;
+}
+
 int LowerCase(char byte) { return std::tolower(static_cast<unsigned char>(byte)); }
 
 }  // namespace
@@ -297,20 +309,17 @@ bool DecodeStringList(const std::string& text, std::list<std::string>* output, c
 }
 
 int CompareVersions(const char* first, const char* second) {
-  const std::vector<std::string> ours = SplitString(first, '.');
-  const std::vector<std::string> theirs = SplitString(second, '.');
-  const std::size_t common = std::min(ours.size(), theirs.size());
-  for (std::size_t i = 0; i < common; ++i) {
-    const int order = ours[i].compare(theirs[i]);
-    if (order != 0) return order;
+  if (first == nullptr || second == nullptr) throw std::logic_error("a version is null");
+  for (; *first == *second; ++first, ++second) {
+    if (*first == '\0') return 0;
   }
   // A missing component counts as "0"; any other one makes its version the higher.
-  const std::vector<std::string>& longer = ours.size() > common ? ours : theirs;
-  const auto isZero = [](const std::string& component) { return component == "0"; };
-  if (std::all_of(longer.begin() + static_cast<std::ptrdiff_t>(common), longer.end(), isZero)) {
-    return 0;
-  }
-  return &longer == &ours ? 1 : -1;
+  if (*first == '\0' && *second == '.') return HasOnlyZeros(second) ? 0 : -1;
+  if (*second == '\0' && *first == '.') return HasOnlyZeros(first) ? 0 : 1;
+  // Of two components that are equal so far, the one that ends is the lower.
+  if (EndsComponent(*first)) return -1;
+  if (EndsComponent(*second)) return 1;
+  return static_cast<unsigned char>(*first) < static_cast<unsigned char>(*second) ? -1 : 1;
 }
 
 int CompareHexStrings(const char* first, const char* second) {
@@ -320,6 +329,7 @@ int CompareHexStrings(const char* first, const char* second) {
   const std::size_t secondLength = std::strlen(second);
   if (firstLength != secondLength) return firstLength < secondLength ? -1 : 1;
   for (; *first != '\0'; ++first, ++second) {
+    if (*first == *second) continue;  // tolower() costs more than all the rest
     const int ours = LowerCase(*first);
     const int theirs = LowerCase(*second);
     if (ours != theirs) return ours < theirs ? -1 : 1;

@@ -67,6 +67,11 @@ TEST(StringLines, TakesAChunkFromItsTail) {
   }
 }
 
+TEST(CompareVersions, ThrowsForANullVersion) {
+  EXPECT_THROW(GXUtils::CompareVersions(nullptr, "1"), std::logic_error);
+  EXPECT_THROW(GXUtils::CompareVersions("1", nullptr), std::logic_error);
+}
+
 TEST(Base64Encode, RefusesALengthThatCannotBe) {
   const unsigned char data[] = "abc";
   const unsigned long longest = std::string().max_size() / 4 * 3;
