@@ -35,6 +35,16 @@ std::size_t CountIf(std::string_view text, Matches matches) {
   return count + static_cast<std::size_t>(std::count_if(text.begin(), text.end(), matches));
 }
 
+// The first `wanted` byte, or `end`. The first four are compared here: fields of one byte take a
+// fifth less time so, since memchr() costs a call.
+const char* FindByte(const char* start, const char* end, char wanted) {
+  for (int i = 0; i < 4; ++i, ++start) {
+    if (start == end || *start == wanted) return start;
+  }
+  const void* found = std::memchr(start, wanted, static_cast<std::size_t>(end - start));
+  return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
 // A set of bytes with a look-up in constant time.
 class ByteSet {
  public:
@@ -188,18 +198,17 @@ int LowerCase(char byte) { return std::tolower(static_cast<unsigned char>(byte))
 }  // namespace
 
 std::vector<std::string> SplitString(std::string text, char separator) {
+  const auto isSeparator = [separator](char byte) { return byte == separator; };
   std::vector<std::string> fields;
-  const auto separators = std::count(text.begin(), text.end(), separator);
-  fields.reserve(static_cast<std::size_t>(separators) + 1);
-  std::size_t start = 0;
+  fields.reserve(CountIf(text, isSeparator) + 1);
+  const char* start = text.data();
+  const char* const end = start + text.size();
   for (;;) {
-    const std::size_t end = text.find(separator, start);
-    if (end == std::string::npos) break;
-    fields.emplace_back(text, start, end - start);
-    start = end + 1;
+    const char* next = FindByte(start, end, separator);
+    fields.emplace_back(start, next);
+    if (next == end) return fields;
+    start = next + 1;
   }
-  fields.emplace_back(text, start);
-  return fields;
 }
 
 std::string Strip(std::string text, std::string set) {
