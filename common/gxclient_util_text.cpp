@@ -147,9 +147,14 @@ std::size_t FindPattern(std::string_view text, std::string_view pattern, std::si
   return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
 }
 
+bool PointsInto(const std::string& text, const char* pointer) {
+  const std::less<> before;
+  return !before(pointer, text.data()) && !before(text.data() + text.size(), pointer);
+}
+
 // Replaces within the memory of the text; `found` is the first occurrence. As `inserted` is not
-// longer than `wanted`, nothing is overwritten before it has been read. Neither of the two may be
-// part of the text.
+// longer than `wanted`, nothing is overwritten before it has been read. Neither of the two is part of
+// the text.
 void ReplaceInPlace(std::string& text, std::size_t found, std::string_view wanted,
                     std::string_view inserted) {
   std::size_t end = found;  // of the result
@@ -222,25 +227,28 @@ std::string Strip(std::string text, std::string set) {
 std::string ReplaceInString(std::string& text, const char* pattern, const char* replacement) {
   const std::string_view wanted = pattern;
   const std::string_view inserted = replacement;
+  if (PointsInto(text, pattern) || PointsInto(text, replacement)) {
+    return ReplaceInString(text, std::string(wanted).c_str(), std::string(inserted).c_str());
+  }
   if (wanted.empty()) return text;
   std::size_t found = FindPattern(text, wanted, 0);
   if (found == std::string::npos) return text;
   if (inserted.size() <= wanted.size()) {
-    ReplaceInPlace(text, found, std::string(wanted), std::string(inserted));
+    ReplaceInPlace(text, found, wanted, inserted);
     return text;
   }
 
   std::string result;
-  result.reserve(text.size());
+  result.reserve(text.size() + inserted.size() - wanted.size());  // enough for one
   std::size_t start = 0;
   for (; found != std::string::npos; found = FindPattern(text, wanted, start)) {
-    result.append(text, start, found - start);
-    result.append(inserted);
+    result.append(text.data() + start, found - start).append(inserted);
     start = found + wanted.size();
   }
   result.append(text, start);
-  text = result;
-  return result;
+  std::string copy = result;
+  text = std::move(result);
+  return copy;
 }
 
 std::vector<std::string> StringLines(const char* chunk, std::string* tail) {
