@@ -169,25 +169,26 @@ void AddCommandLine(ArgVector& arguments, std::string commandLine) {
 }  // namespace
 
 std::vector<std::string> SplitCommandLine(std::string commandLine) {
+  const std::string_view line = commandLine;
   std::vector<std::string> arguments;
   std::size_t start = 0;
   for (;;) {
-    if (start < commandLine.size() && commandLine[start] == '"') {
-      const std::size_t close = commandLine.find('"', start + 1);
-      if (close != std::string::npos) {
-        arguments.emplace_back(commandLine, start + 1, close - start - 1);
+    if (start < line.size() && line[start] == '"') {
+      const std::size_t close = line.find('"', start + 1);
+      if (close != std::string_view::npos) {
+        arguments.emplace_back(line.substr(start + 1, close - start - 1));
         start = close + 1;
         continue;
       }
       // Never closed: the field is lost. No quote is left, so this search is made once.
-      const std::size_t space = commandLine.find(' ', start + 1);
-      if (space == std::string::npos) return arguments;
+      const std::size_t space = line.find(' ', start + 1);
+      if (space == std::string_view::npos) return arguments;
       start = space + 1;
       continue;
     }
-    const std::size_t end = std::min(commandLine.find(' ', start), commandLine.size());
-    if (end != start) arguments.emplace_back(commandLine, start, end - start);
-    if (end == commandLine.size()) return arguments;
+    const std::size_t end = std::min(line.find(' ', start), line.size());
+    if (end != start) arguments.emplace_back(line.substr(start, end - start));
+    if (end == line.size()) return arguments;
     start = end + 1;
   }
 }
