@@ -1,17 +1,9 @@
-#include <cerrno>
-#include <csignal>
-#include <cstdio>
+// The desktop is made of a stand-in for its programs, desktop/program.
+
 #include <fstream>
-#include <sstream>
+#include <vector>
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include "harness/faults.h"
-#include "harness/leakcheck.h"
-#include "harness/tempdir.h"
+#include "harness/harness.h"
 #include "internal/descriptor.h"
 #include "support/osx_show_in_file_manager.h"
 
@@ -21,112 +13,122 @@ namespace {
 
 const std::string kName = "a-z_A.Z~09@[`{: ,'\"%41\\\nü\xFF";
 const std::string kEscapedName = "a-z_A.Z~09%40%5B%60%7B%3A%20%2C%27%22%2541%5C%0A%C3%BC%FF";
-
 const std::string kAsk =
     "dbus-send --session --print-reply --reply-timeout=5000 --dest=org.freedesktop.FileManager1 "
     "/org/freedesktop/FileManager1 org.freedesktop.FileManager1.ShowItems array:string:file://";
 
-// Replaces the environment by what a case of desktop/cases says.
-void SetEnvironment(std::istream& words) {
-  (void)clearenv();
-  (void)setenv("SESSION", std::to_string(getsid(0)).c_str(), 1);
-  for (std::string word; words >> word && word != "|";) {
-    const std::size_t end = word.find('=');
-    (void)setenv(word.substr(0, end).c_str(), &word[end + 1], 1);
-  }
-  std::string does;
-  (void)std::getline(words, does);
-  (void)setenv("DOES", does.c_str(), 1);
-}
+constexpr char kBus[] = "DBUS_SESSION_BUS_ADDRESS=x:";
+constexpr char kDisplay[] = "DISPLAY=:0";
 
-// Shows `path` as a case says; `calls` is what the programs write to.
-void Show(const std::string& line, const std::string& path, const std::string& uri,
-          const std::string& folder, std::FILE* calls) {
-  std::istringstream words(line);
-  int status = 0;
-  int runs = 0;
-  std::string programs;
-  std::string call;
-  words >> status >> programs >> call >> runs;
-  SetEnvironment(words);
-  for (int nth = 1; nth <= runs; ++nth) {
-    SCOPED_TRACE(testing::Message() << line << " " << nth << " " << path);
+struct Desktop {
+  const char* what;
+  int status;
+  const char *called, *path;  // s: dbus-send, x: xdg-open; `path` is a directory that has them
+  std::vector<const char*> environment;
+  const char* does = "";  // what the programs do, in the terms of the stand-in desktop/program
+  const char* call = "";  // is interrupted or fails with EINTR: the first one,
+  int runs = 1;           // in a second run the second one, ...
+};
+
+const Desktop kDesktops[] = {
+    {"an answer", 0, "s", "sx", {kBus, kDisplay}, "answer"},
+    {"no reply", 3, "s", "sx", {kBus, kDisplay}, "fail NoReply 'warning\n'"},
+    {"time-out", 3, "s", "sx", {kBus, kDisplay}, "fail Timeout"},
+    {"timed out", 3, "s", "sx", {kBus, kDisplay}, "fail TimedOut"},
+    {"the time limit", 3, "s", "sx", {kBus, kDisplay}, "kill -ALRM $$"},
+    {"killed", 0, "sx", "sx", {kBus, kDisplay}, "kill -KILL $$"},
+    {"another error", 0, "sx", "sx", {kBus, "WAYLAND_DISPLAY=wayland-0"}, "refuse"},
+    {"no display", 2, "s", "sx", {kBus}, "refuse"},
+    {"no xdg-open", 2, "s", "s", {kBus, kDisplay}, "refuse"},
+    {"no dbus-send", 0, "x", "x", {kBus, kDisplay}},
+    {"no bus", 0, "x", "sx", {kDisplay}},
+    {"no such bus", 0, "x", "sx", {"XDG_RUNTIME_DIR=.", kDisplay}},
+    {"an empty address", 0, "s", "sx", {"DBUS_SESSION_BUS_ADDRESS=", "XDG_RUNTIME_DIR=u"}},
+    {"a link to the bus, which libdbus refuses", 0, "x", "sx", {"XDG_RUNTIME_DIR=l", kDisplay}},
+    {"pipe", 2, "", "s", {kBus}, "", "pipe", 2},
+    {"fcntl", 2, "", "s", {kBus}, "", "fcntl", 4},
+    {"fork", 2, "", "s", {kBus}, "", "fork", 2},
+    {"read", 0, "s", "s", {kBus}, "", "read", 3},
+    {"poll", 0, "s", "s", {kBus}, "", "poll", 2},
+    {"waitpid", 0, "s", "s", {kBus}, "", "waitpid", 1},
+    {"close_range", 0, "s", "s", {kBus}, "", "syscall", 2},
+    {"pipe for xdg-open", 2, "", "x", {kDisplay}, "", "pipe", 1},
+    {"fcntl for xdg-open", 2, "", "x", {kDisplay}, "", "fcntl", 2},
+    {"fork for xdg-open", 2, "", "x", {kDisplay}, "", "fork", 2},
+    {"read for xdg-open", 0, "x", "x", {kDisplay}, "", "read", 1},
+};
+const Desktop kRefusing = {"any item", 0, "sx", "sx", {kBus, kDisplay}, "refuse"};
+const Desktop kNothingThere = {"nothing", 1, "", "sx", {kDisplay}};
+
+// Shows an item on a desktop, whose programs write to `calls`, and xdg-open lives on until its
+// gate opens: it is not waited for.
+void Show(const Desktop& desktop, const std::string& item, const std::string& uri,
+          const std::string& directory, std::FILE* calls) {
+  (void)clearenv();
+  for (const char* variable : desktop.environment) (void)putenv(const_cast<char*>(variable));
+  (void)setenv("PATH", desktop.path, 1);
+  (void)setenv("DOES", desktop.does, 1);
+  (void)setenv("SESSION", std::to_string(getsid(0)).c_str(), 1);
+  for (int nth = 1; nth <= desktop.runs; ++nth) {
+    SCOPED_TRACE(testing::Message() << desktop.what << " " << nth << ": " << item);
     const LeakCheck leaks;
-    const Failing fault(call.c_str(), nth, EINTR);
-    EXPECT_EQ(osxShowInFileManager(path), status);
-    for (const char program : programs) {
-      if (program == '-') continue;
+    {
+      const Failing fault(desktop.call, nth, EINTR);
+      EXPECT_EQ(osxShowInFileManager(item), desktop.status);
+    }
+    for (const char program : std::string(desktop.called)) {
       char called[1000] = "";  // not through a stream: some wait for more than a line
       EXPECT_EQ(std::fgets(called, sizeof called, calls), called);
-      EXPECT_EQ(called, (program == 's' ? kAsk + uri + " string:" : "xdg-open " + folder) + "\n");
+      EXPECT_EQ(called,
+                (program == 's' ? kAsk + uri + " string:" : "xdg-open " + directory) + "\n");
+      if (program == 'x') std::ofstream("gate");
     }
   }
 }
 
-void ReapOne(int) {
-  const int error = errno;
-  (void)waitpid(-1, nullptr, WNOHANG);
-  errno = error;
-}
-
 // Whatever the client does about signals; SIGCHLD in one of three ways.
 void TakeSignals(int way) {
-  (void)std::signal(SIGCHLD, way == 0 ? SIG_DFL : way == 1 ? SIG_IGN : ReapOne);
+  (void)std::signal(SIGCHLD, way == 0 ? SIG_DFL : way == 1 ? SIG_IGN : ReapAll);
   (void)std::signal(SIGALRM, SIG_IGN);
-  sigset_t alarm;
-  sigemptyset(&alarm);
-  sigaddset(&alarm, SIGALRM);
-  (void)sigprocmask(SIG_BLOCK, &alarm, nullptr);
+  sigset_t all;
+  sigfillset(&all);
+  (void)sigprocmask(SIG_BLOCK, &all, nullptr);
 }
 
 TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
+  using namespace std::filesystem;
   const TempDir directory;
   const std::string top = directory.Path();
-  ASSERT_EQ(std::system(("cd " + top + " && " DESKTOP "/make").c_str()), 0);
-  EXPECT_EQ(mknod((top + "/u/bus").c_str(), S_IFSOCK | 0600, 0), 0);
-  std::ofstream(top + "/" + kName) << "";
-  std::FILE* calls = std::fopen((top + "/calls").c_str(), "r+");
+  current_path(top);
+  for (const char* name : {"s", "x", "sx", "u", "l"}) create_directory(name);
+  for (const char* name : {"s/dbus-send", "sx/dbus-send", "x/xdg-open", "sx/xdg-open"}) {
+    create_symlink(DESKTOP "/program", name);
+  }
+  create_symlink("../u/bus", "l/bus");
+  create_symlink("/no/such", "l/such");
+  ASSERT_EQ(mknod("u/bus", S_IFSOCK | 0600, 0), 0);
+  ASSERT_EQ(mkfifo("calls", 0600) + mkfifo("gate", 0600), 0);
+  std::ofstream{kName} << "";
+  std::FILE* calls = std::fopen("calls", "r+");
   const GXSupport::UniqueFd inherited(dup2(STDERR_FILENO, 900));
   // Whichever standard descriptors the client has closed.
   for (int closed = 0; closed < 8; ++closed) {
     EXPECT_TRUE(PassesInChild([&] {
-      std::ifstream cases(DESKTOP "/cases");
       for (int fd = 0; fd < 3; ++fd) (void)((closed >> fd & 1) != 0 && close(fd));
       TakeSignals(closed % 3);
-      EXPECT_EQ(chdir(top.c_str()), 0);
-      EXPECT_TRUE(cases.is_open());
-      for (std::string line; std::getline(cases, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        Show(line, kName, directory.Path(kEscapedName), top, calls);
+      for (const Desktop& desktop : kDesktops) {
+        Show(desktop, kName, directory.Path(kEscapedName), top, calls);
       }
-      const std::string both = "0 sx - 1 PATH=sx DBUS_SESSION_BUS_ADDRESS=x: DISPLAY=:0 | refuse";
-      Show(both, top + "/u/bus", top + "/u/bus", top + "/u", calls);
-      Show(both, top + "/l/such\0x"s, top + "/l/such", top + "/l", calls);
-      Show(both, "l//", top + "/l//", top, calls);
-      Show(both, "/", "/", "/", calls);
-      Show("1 - - 1 PATH=sx DISPLAY=:0 |", "missing", "", "", calls);
-      Show("1 - - 1 PATH=sx DISPLAY=:0 |", "", "", "", calls);
+      Show(kRefusing, top + "/u/bus", top + "/u/bus", top + "/u", calls);
+      Show(kRefusing, top + "/l/such\0x"s, top + "/l/such", top + "/l", calls);
+      Show(kRefusing, "l//", top + "/l//", top, calls);
+      Show(kRefusing, "/", "/", "/", calls);
+      Show(kNothingThere, "missing", "", "", calls);
+      Show(kNothingThere, "", "", "", calls);
     })) << closed;
   }
   (void)std::fclose(calls);
-}
-
-TEST(ShowInFileManager, ReachesAFileManager) {
-  const TempDir directory;
-  std::FILE* service = popen(DESKTOP "/file-manager", "r");
-  char line[1000] = "";
-  const bool there = std::fgets(line, sizeof line, service) != nullptr;
-  std::istringstream environment("PATH=/usr/bin:/bin DBUS_SESSION_BUS_ADDRESS="s + line);
-  SetEnvironment(environment);
-  for (const std::string end : {"", "mute"}) {
-    if (!there) break;
-    std::ofstream(directory.Path(kName + end)) << "";
-    EXPECT_EQ(osxShowInFileManager(directory.Path(kName + end)), end.empty() ? 0 : 3);
-    EXPECT_NE(std::fgets(line, sizeof line, service), nullptr);
-    EXPECT_EQ(line, "(['file://" + directory.Path(kEscapedName + end) + "'], '')\n");
-  }
-  pclose(service);
-  if (!there) GTEST_SKIP() << "needs dbus-run-session, python3 and gi";
+  current_path("/");
 }
 
 }  // namespace

@@ -1,85 +1,92 @@
-#include <cerrno>
-#include <cstdio>
-#include <string>
-#include <tuple>
+// What gxutil.session cannot show of these functions; fuzz/nfs_fuzz.cpp has the export options.
 
-#include <gtest/gtest.h>
+#include <climits>
+
 #include <pwd.h>
-#include <unistd.h>
 
-#include "gxclient_util.h"
-#include "harness/faults.h"
-#include "harness/leakcheck.h"
-#include "harness/scopedenv.h"
-#include "harness/tempdir.h"
+#include "harness/harness.h"
 
 using namespace std::string_literals;
 
-// What a shell can show of these functions stands in gxutil.session.
 namespace {
 
 TEST(GenerateTempFile, HandsOverItsDescriptor) {
   const LeakCheck leaks;
-  const TempDir folder;
-  const std::string name = folder.Path("abc").substr(sizeof "/tmp/" - 1);
   int fd = -2;
-  const std::string path = GXUtils::GenerateTempFile(name, &fd);
-  EXPECT_EQ(path.substr(0, path.size() - 6), folder.Path("abc"));
+  const std::string path = GXUtils::GenerateTempFile("aXXXXXX\0"s, &fd);
+  EXPECT_EQ(path.size(), sizeof "/tmp/aXXXXXX" - 1);
   EXPECT_EQ(write(fd, "x", 1), 1);
   EXPECT_EQ(std::filesystem::file_size(path), 1U);
   close(fd);
-  EXPECT_EQ(GXUtils::GenerateTempFile(name + "XXXXXX\0"s, nullptr).size(), path.size());
-  for (const std::string& refused : {name + "\0b"s, "no/such/folder"s, std::string(5000, '/')}) {
+  EXPECT_EQ(unlink(path.c_str()), 0);
+  for (const std::string& refused : {"a\0b"s, "no/such/directory"s, std::string(5000, '/')}) {
     EXPECT_EQ(GXUtils::GenerateTempFile(refused, &fd), "");
     EXPECT_EQ(fd, -1);
   }
 }
 
+// What the password database has is one entry, or none.
+void WithEntry(char* text, const std::function<void()>& body) {
+  passwd entry{};
+  entry.pw_name = entry.pw_dir = text;
+  fakePasswd = text != nullptr ? &entry : nullptr;
+  const Failing byName("getpwnam", 1, 0);
+  const Failing byId("getpwuid", 1, 0);
+  EXPECT_TRUE(PassesInChild(body));
+}
+
 TEST(CalcHomeDir, LooksUpARootDirectoryOnly) {
-  const TempDir folder;
-  std::string directory = folder.Path();
-  passwd entry{};
-  entry.pw_dir = directory.data();
-  const std::tuple<const char*, passwd*, std::string> cases[] = {{nullptr, &entry, ""},
-                                                                 {"", &entry, ""},
-                                                                 {"//", &entry, "//"},
-                                                                 {"/", nullptr, "/root"},
-                                                                 {"/", &entry, directory}};
-  for (const auto& [variable, found, home] : cases) {
-    const ScopedEnv environment("HOME", variable);
-    const Failing known("getpwnam", 1, 0);
-    const Failing refused("mkdir", 1, EACCES);
-    fakePasswd = found;
-    EXPECT_EQ(GXUtils::calcHomeDir("aén"), home);
-    EXPECT_TRUE(refused.Happened() || GXUtils::CheckFileExist(home + "/.gannorex"));
-  }
-  EXPECT_EQ(lookedUp, "an");  // in the locale's encoding, ASCII here
-}
-
-TEST(CalcRunningUser, TakesTheNameOfTheUserId) {
-  std::string login = "login";
-  passwd entry{};
-  entry.pw_name = login.data();
-  for (const char* name : {"LOGNAME", "USERNAME", "USER"}) (void)unsetenv(name);
-  for (passwd* found : {&entry, static_cast<passwd*>(nullptr)}) {
-    const Failing known("getpwuid", 1, 0);
-    fakePasswd = found;
-    EXPECT_EQ(GXUtils::calcRunningUser(), found != nullptr ? login : "");
+  char known[] = "/known";
+  const struct {
+    const char* variable;
+    char* found;
+    const char *home, *lookedUp;
+  } cases[] = {{"//", known, "//", ""}, {"/", nullptr, "/root", "an"}, {"/", known, known, "an"}};
+  for (const auto& c : cases) {
+    WithEntry(c.found, [&] {
+      (void)setenv("HOME", c.variable, 1);
+      const Failing refused("mkdir", 1, EACCES);
+      EXPECT_EQ(GXUtils::calcHomeDir("aén"), c.home);
+      EXPECT_EQ(lookedUp, c.lookedUp);  // in the locale's encoding, ASCII here
+    });
   }
 }
 
-// Each file of tests/cpuinfo has the sum of its lines in its name.
+TEST(CalcRunningUser, LooksUpTheRealUserId) {
+  char known[] = "known";
+  for (char* found : {known, static_cast<char*>(nullptr)}) {
+    WithEntry(found, [&] {
+      (void)!seteuid(1001);
+      for (const char* name : {"LOGNAME", "USERNAME", "USER"}) (void)unsetenv(name);
+      EXPECT_EQ(GXUtils::calcRunningUser(), found != nullptr ? known : "");
+      EXPECT_EQ(lookedUp, std::to_string(getuid()));
+    });
+  }
+}
+
 TEST(GetBogoMips, AddsUpTheProcessorsLines) {
-  int files = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(CPUINFO)) {
+  const struct {
+    const char* what;
+    std::string text;
+    int sum;
+  } cases[] = {
+      {"no such line", "bogomips 1\nBogoMIPS\t: 38.00\n bogomips: 1\nbogomip: 1\n", -1},
+      {"two processors", "bogomips\t: 5986.12\nx\nbogomips : 5986.99\n", 11972},
+      {"the first colon", "bogomips:1:7\nbogomips 2:-3", -2},
+      {"no number", "bogomips without\nbogomips: none", 0},
+      {"decimal", "bogomips: 010", 10},
+      {"too high", "bogomips: 99999999999999999999\nbogomips: 5", INT_MAX},
+      {"too low", "bogomips: -9999999999\nbogomips: -1", INT_MIN},
+      {"a piece of 255 bytes is a line", std::string(255, 'x') + "bogomips:4\n", 4},
+      {"its end is one", "bogomips" + std::string(247, ' ') + ":5\n", -1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
     const LeakCheck leaks;
-    const std::string name = entry.path().filename();
-    fakeFile = std::fopen(entry.path().c_str(), "r");
+    fakeFile = fmemopen(const_cast<char*>(c.text.data()), c.text.size(), "r");
     const Failing given("fopen", 1, 0);
-    EXPECT_EQ(GXUtils::GetBogoMips(), std::stoi(name.substr(name.find('=') + 1))) << name;
-    ++files;
+    EXPECT_EQ(GXUtils::GetBogoMips(), c.sum);
   }
-  EXPECT_EQ(files, 10);
   fakeFile = nullptr;
   const Failing absent("fopen", 1, ENOENT);
   EXPECT_EQ(GXUtils::GetBogoMips(), -1);

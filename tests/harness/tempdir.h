@@ -3,13 +3,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <system_error>
 
 /// An empty directory, removed with all that is in it when it goes out of scope.
 class TempDir {
  public:
   TempDir() { (void)!mkdtemp(path_.data()); }
-  ~TempDir() { std::filesystem::remove_all(path_, ignored_); }
+  ~TempDir() { (void)std::filesystem::remove_all(path_); }
   TempDir& operator=(TempDir&&) = delete;  // neither copied nor moved
 
   /// The directory, or with a `name` the path of that entry in it.
@@ -19,5 +18,4 @@ class TempDir {
 
  private:
   std::string path_ = "/tmp/gxclient_test.XXXXXX";
-  std::error_code ignored_;
 };

@@ -1,21 +1,15 @@
-#include "harness/faults.h"
+#include "harness/harness.h"
 
-#include <cerrno>
-#include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <new>
 
 #include <iconv.h>
 #include <poll.h>
-#include <pwd.h>
-#include <sys/stat.h>
 
-Failing::~Failing() {
-  Failing** link = &armed;
-  while (*link != this) link = &(*link)->next_;
-  *link = next_;
-}
+#include "internal/child.h"
 
 bool Failing::Now(const char* call) {
   for (Failing* fault = armed; fault != nullptr; fault = fault->next_) {
@@ -41,7 +35,7 @@ WRAP(iconv_t, iconv_open, (const char* to, const char* from), (to, from), iconv_
 WRAP(pid_t, waitpid, (pid_t pid, int* status, int options), (pid, status, options), -1)
 WRAP(int, mkdir, (const char* path, mode_t mode), (path, mode), -1)
 WRAP(passwd*, getpwnam, (const char* name), (name), (lookedUp = name, fakePasswd))
-WRAP(passwd*, getpwuid, (uid_t user), (user), fakePasswd)
+WRAP(passwd*, getpwuid, (uid_t user), (user), (lookedUp = std::to_string(user), fakePasswd))
 WRAP(char*, strerror, (int error), (error), fakeErrorText.data())
 WRAP(std::FILE*, fopen, (const char* path, const char* mode), (path, mode), fakeFile)
 // The two variadic ones: no call in the module passes more than these, nor anything but integers.
@@ -59,3 +53,43 @@ void* operator new(std::size_t size) {
 }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+void ReapAll(int) {
+  const int before = errno;
+  while (waitpid(-1, nullptr, WNOHANG) > 0) continue;
+  errno = before;
+}
+
+std::string ProcessState() {
+  std::string state;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    const std::string fd = entry.path().filename();
+    state += fd + " on " + std::filesystem::read_symlink(entry).string() + " flags " +
+             std::to_string(fcntl(std::stoi(fd), F_GETFD)) + "\n";
+  }
+  struct sigaction action {};
+  (void)sigaction(SIGCHLD, nullptr, &action);
+  action.sa_flags &= ~0x04000000;  // what the C library adds to every action that it sets
+  const auto handler = reinterpret_cast<std::uintptr_t>(action.sa_handler);
+  const bool masks = handler > 1 && sigismember(&action.sa_mask, SIGUSR1) == 1;  // not by default
+  return state + "SIGCHLD " + std::to_string(handler) + " flags " +
+         std::to_string(action.sa_flags) + " mask " + std::to_string(masks);
+}
+
+LeakCheck::~LeakCheck() {
+  EXPECT_EQ(ProcessState(), before);
+  EXPECT_TRUE(waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD) << "a child is left";
+}
+
+bool PassesInChild(const std::function<void()>& body) {
+  std::fflush(nullptr);
+  const pid_t pid = fork();
+  if (pid == 0) {
+    body();
+    std::fflush(nullptr);
+    GXSupport::LeaveChild(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = -1;
+  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) continue;
+  return status == 0;
+}

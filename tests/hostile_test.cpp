@@ -1,0 +1,357 @@
+// What docs/hostile-states.md promises of the process and the machine.
+
+#include <atomic>
+#include <clocale>
+#include <cstring>
+#include <iostream>
+#include <thread>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+
+#include "harness/harness.h"
+#include "internal/descriptor.h"
+#include "support/exportdata.h"
+#include "support/gxexception.h"
+
+using namespace std::string_literals;
+using GXUtils::CheckCreateDir;
+using GXUtils::GenerateTempFile;
+using GXUtils::System;
+using GXUtils::SystemNowait;
+
+namespace {
+
+constexpr int kUnwritten = 77;
+
+// An output parameter that lives as long as the call.
+template <class T = std::string>
+T* Out(T&& value = T()) {
+  return &value;
+}
+
+void OnSigchld(void (*handler)(int), int flags) {
+  struct sigaction action {};
+  action.sa_handler = handler;
+  action.sa_flags = flags;
+  sigaddset(&action.sa_mask, SIGUSR1);
+  (void)sigaction(SIGCHLD, &action, nullptr);
+}
+
+// Both runners with a program that works and one that is missing.
+void RunPrograms() {
+  const LeakCheck leaks;
+  std::string output = "abc";
+  int status = kUnwritten, out = kUnwritten, err = kUnwritten;
+  EXPECT_EQ(System("sh -c \"echo out; echo err >&2; [ -e /dev/fd/0 ]\"", &output, &status), 0);
+  EXPECT_EQ(output, "abcout\nerr\n");
+  EXPECT_EQ(status, fcntl(STDIN_FILENO, F_GETFD) < 0 ? 1 : 0);
+  EXPECT_EQ(System("no-such-program"), -2);
+  EXPECT_EQ(System("head -c 100000 /dev/zero"), 0);  // read although nobody wants it
+  EXPECT_EQ(SystemNowait("no-such-program", &out, &err), -2);
+  EXPECT_EQ(out + err, 2 * kUnwritten);
+
+  const int pid = SystemNowait("sh -c \"echo out; echo err >&2; kill -STOP $$\"", &out, &err);
+  ASSERT_GT(pid, 0);
+  EXPECT_EQ(waitpid(pid, nullptr, WUNTRACED), pid);  // back while the program runs
+  EXPECT_EQ(getsid(pid), pid);
+  EXPECT_EQ(kill(pid, SIGCONT), 0);
+  for (const int fd : {out, err}) {
+    EXPECT_GT(fd, STDERR_FILENO);
+    EXPECT_EQ(fcntl(fd, F_GETFD) + (fcntl(fd, F_GETFL) & O_NONBLOCK), 0);
+    char text[9] = "";
+    EXPECT_EQ(read(fd, text, 4) + read(fd, text + 4, 4), 4);
+    EXPECT_STREQ(text, fd == out ? "out\n" : "err\n");
+    close(fd);
+  }
+  (void)waitpid(pid, nullptr, 0);  // where SIGCHLD is ignored there is nothing to wait for
+}
+
+TEST(Hostile, RunnersWorkInEveryState) {
+  const std::pair<const char*, std::function<void()>> states[] = {
+      {"as usual", [] {}},
+      {"SIGCHLD ignored", [] { OnSigchld(SIG_IGN, 0); }},
+      {"no zombies", [] { OnSigchld(SIG_DFL, SA_NOCLDWAIT); }},
+      {"every child reaped", [] { OnSigchld(ReapAll, SA_RESTART); }},
+      {"all signals blocked",
+       [] {
+         sigset_t all;
+         sigfillset(&all);
+         (void)sigprocmask(SIG_SETMASK, &all, nullptr);
+       }},
+      {"no close_range", [] { static const Failing refused("syscall", 1, EPERM); }},
+  };
+  for (const auto& [state, enter] : states) {
+    for (int closed = 0; closed < 8; ++closed) {  // whichever standard descriptors
+      EXPECT_TRUE(PassesInChild([&, enter = enter] {
+        for (int fd = 0; fd < 3; ++fd) (void)((closed >> fd & 1) != 0 && close(fd));
+        enter();
+        RunPrograms();
+      })) << state
+          << ", closed: " << closed;
+    }
+  }
+}
+
+TEST(Hostile, AFailedCallOfARunnerHasItsResult) {
+  constexpr char kKilled[] = "sh -c \"printf x; kill -9 $$\"";
+  constexpr char kExits127[] = "sh -c \"printf x; exit 127\"";
+  constexpr char kIgnoresPipe[] = "sh -c \"trap '' PIPE; printf x 2>&-; exit 3\"";
+  const struct {
+    const char* what;
+    bool detached;
+    const char *command, *call;
+    int first, last;   // each of these calls fails once
+    int result;        // or the code of the exception
+    const char* text;  // output, exception and standard error
+    int status = kUnwritten, children = 0;
+  } cases[] = {
+      {"action", false, "true", "sigaction", 1, 1, -1, "Error: sigaction() failed\n"},
+      {"pipe", false, "true", "pipe", 1, 1, -1, "Error: pipe() failed\n"},
+      {"close-on-exec", false, "true", "fcntl", 1, 4, -1, "Error: pipe() failed\n"},
+      {"fork", false, "true", "fork", 1, 1, -1, "Error: fork() failed\n"},
+      {"wait", false, "printf x", "waitpid", 1, 1, -1, "x", kUnwritten, 1},
+      {"action back", false, kKilled, "sigaction", 2, 2, -1,
+       "xError: sigaction() restore failed\n"},
+      {"read", false, kIgnoresPipe, "read", 1, 1, 0, "", 3},
+      {"empty command", false, "", "", 0, 0, 6, "Empty command"},
+      {"log", false, kExits127, "", 0, 0, kUnwritten, "xthe log failed", 127},
+      {"pipe", true, "true", "pipe", 1, 3, -1, ""},
+      {"close-on-exec", true, "true", "fcntl", 1, 12, -1, ""},
+      {"fork", true, "true", "fork", 1, 1, -1, ""},
+      {"read of the report", true, "true", "read", 1, 1, -2, "", kUnwritten, 1},
+      {"wait for a failed start", true, "no-such-program", "waitpid", 1, 1, -2, ""},
+      {"empty command", true, "", "", 0, 0, 11, "Empty command"},
+  };
+  const auto doNothing = [](int) {};
+  logThrows = true;
+  for (const auto& c : cases) {
+    for (int nth = c.first; nth <= c.last; ++nth) {
+      SCOPED_TRACE(testing::Message() << c.what << ", detached " << c.detached << ", " << nth);
+      OnSigchld(doNothing, SA_NOCLDSTOP | SA_NODEFER);
+      const LeakCheck leaks;
+      std::string text;
+      int result = kUnwritten, out = kUnwritten;
+      testing::internal::CaptureStderr();
+      try {
+        const Failing fault(c.call, nth, EINTR);
+        result = c.detached ? SystemNowait(c.command, &out, &out) : System(c.command, &text, &out);
+        EXPECT_TRUE(fault.Happened());
+      } catch (const GXException& error) {
+        result = error.code();
+        text += error.what();
+      } catch (const std::runtime_error& error) {
+        text += error.what();
+      }
+      EXPECT_EQ(text + testing::internal::GetCapturedStderr(), c.text);
+      EXPECT_EQ(result, c.result);
+      EXPECT_EQ(out, c.status);
+      EXPECT_EQ(waitpid(-1, nullptr, 0) > 0, c.children == 1);
+      // What could not be restored.
+      if (c.call == "sigaction"s) OnSigchld(doNothing, SA_NOCLDSTOP | SA_NODEFER);
+    }
+  }
+  (void)std::signal(SIGCHLD, SIG_DFL);
+  logThrows = false;
+}
+
+TEST(Hostile, MemoryExhaustedEndsACaptureAndNoDetachedStart) {
+  const LeakCheck leaks;
+  const char* const endless[] = {"yes", nullptr};
+  const char* const missing[] = {"no-such-program", nullptr};
+  const char* const works[] = {"true", nullptr};
+  const Failing allocation("new", 1, ENOMEM);
+  EXPECT_EQ(SystemNowait(missing), -2);
+  EXPECT_GT(SystemNowait(works), 0);
+  EXPECT_GT(waitpid(-1, nullptr, 0), 0);
+  EXPECT_FALSE(allocation.Happened());
+  EXPECT_THROW(System(endless, Out()), std::bad_alloc);
+}
+
+// Whatever the client does to its streams, and nothing of what it has in them.
+TEST(Hostile, AFailedStartWritesItsErrorAlone) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP() << "the sanitizer flushes every stream in _exit()";
+#endif
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(PassesInChild([] {
+    std::cerr.rdbuf(std::cout.rdbuf());
+    (void)std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
+    (void)std::fputs("waits for the end", stderr);
+    std::string output;
+    EXPECT_EQ(System("no-such-program", &output), -2);
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(SystemNowait("no-such-program"), -2);
+  }));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), std::strerror(ENOENT) + "\nwaits for the end"s);
+}
+
+// A full pipe that nobody reads, in a PID namespace too, where the default action ends no process 1.
+TEST(Hostile, AChildThatCannotWriteItsErrorEnds) {
+  for (const int flags : {0, CLONE_NEWPID}) {
+    if (!PassesInChild([flags] { _exit(unshare(flags) == 0 ? 0 : 1); })) {
+      GTEST_SKIP() << "the rest needs the right to make a namespace";
+    }
+    GXSupport::Pipe error;
+    ASSERT_TRUE(error.Open());
+    (void)fcntl(error.writeEnd.Get(), F_SETFL, O_NONBLOCK);
+    while (write(error.writeEnd.Get(), "full", 4) > 0) continue;
+    (void)fcntl(error.writeEnd.Get(), F_SETFL, 0);
+    EXPECT_TRUE(PassesInChild([&] {
+      (void)dup2(error.writeEnd.Get(), STDERR_FILENO);
+      (void)std::signal(SIGALRM, SIG_IGN);
+      EXPECT_EQ(unshare(flags), 0);
+      EXPECT_EQ(SystemNowait("no-such-program"), -2);
+    }));
+  }
+}
+
+TEST(Hostile, NoDescriptorLeft) {
+  EXPECT_TRUE(PassesInChild([] {
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    limit.rlim_cur = 3;  // not the other one, which valgrind refuses
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    int fd = kUnwritten;
+    EXPECT_EQ(System("true"), -1);
+    EXPECT_EQ(SystemNowait("true", &fd), -1);
+    EXPECT_EQ(fd, kUnwritten);
+    EXPECT_EQ(GenerateTempFile("x", &fd), "");
+    EXPECT_EQ(fd, -1);
+    EXPECT_EQ(GXUtils::GetBogoMips(), -1);
+    for (const int standard : {0, 1}) close(standard);  // a pipe has room now, and has to move
+    EXPECT_EQ(System("true"), -1);
+    EXPECT_EQ(SystemNowait("true"), -1);
+  }));
+}
+
+struct Exports : std::vector<Exportdata*> {
+  ~Exports() {
+    for (const Exportdata* record : *this) delete record;
+  }
+};
+
+void Start(const char* command) {
+  int fds[2] = {-1, -1};
+  const int pid = SystemNowait(command, &fds[0], &fds[1]);
+  for (const int fd : fds) close(fd);
+  if (pid > 0) (void)waitpid(pid, nullptr, 0);
+}
+
+TEST(Hostile, AnyCallMayFailAndNothingStaysBehind) {
+  const std::string text(100, 'A');
+  // What opens, starts or owns something that is not a string.
+  const std::pair<const char*, std::function<void()>> functions[] = {
+      {"System", [&] { System("printf %s%s " + text + " \"" + text + "\"", Out()); }},
+      {"System, no program", [&] { System("no-such-program-" + text); }},
+      {"SystemNowait", [] { Start("true"); }},
+      {"SystemNowait, no program", [] { Start("no-such-program"); }},
+      {"Transcode", [&] { GXUtils::Transcode("UTF-8", "", text); }},
+      {"ToLower", [&] { GXUtils::ToLower(text + text + text); }},
+      {"GenerateTempFile", [&] { unlink(GenerateTempFile(text, nullptr).c_str()); }},
+      {"ShowInFileManager", [] { GXUtils::ShowInFileManager("/tmp"); }},
+      {"GetBogoMips", [] { GXUtils::GetBogoMips(); }},
+      {"exports", [&] { parse_nfs_export_option("/" + text + ",ro,/b,rw,/c", *Out<Exports>()); }},
+  };
+  EXPECT_TRUE(PassesInChild([&] {
+    for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY"}) (void)unsetenv(display);
+    (void)setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such", 1);
+    testing::internal::CaptureStderr();
+    for (const auto& [function, call] : functions) {
+      for (const char* name : {"new", "pipe", "fcntl", "fork", "read", "waitpid", "syscall",
+                               "iconv", "iconv_open", "fopen"}) {
+        bool failed = true;
+        for (int nth = 1; failed; ++nth) {
+          SCOPED_TRACE(testing::Message() << function << ", " << name << " " << nth);
+          const LeakCheck leaks;
+          try {
+            const Failing fault(name, nth, EINTR);
+            call();
+            failed = fault.Happened();
+          } catch (const std::bad_alloc&) {
+            EXPECT_STREQ(name, "new");
+          }
+          // After a failed wait or a failed read of the status pipe the child is nobody's.
+          while (name != "new"s && waitpid(-1, nullptr, 0) > 0) continue;
+          ASSERT_LT(nth, 300);
+        }
+      }
+    }
+    (void)testing::internal::GetCapturedStderr();
+  }));
+}
+
+TEST(Hostile, ThreadsDoNotDisturbEachOther) {
+  std::atomic<bool> done{false};
+  std::vector<std::thread> threads;
+  const auto repeat = [&](auto work) {
+    threads.emplace_back([&done, work] {
+      while (!done) work();
+    });
+  };
+  for (const std::string& mine : {std::string(50, 'a'), std::string(50, 'b')}) {
+    repeat([mine] {
+      EXPECT_EQ(GXUtils::Transcode("UTF-8", "ISO-8859-1", mine), mine);
+      EXPECT_NE(GXUtils::Which("sh"), "");
+      EXPECT_EQ(GXUtils::UnlinkOrTruncate(GenerateTempFile(mine, nullptr).c_str()), 0);
+    });
+  }
+#ifndef __SANITIZE_THREAD__  // setlocale() is the client's race, not ours
+  for (const char* locale : {"C", "C.UTF-8"}) repeat([=] { std::setlocale(LC_ALL, locale); });
+#endif
+#ifndef __SANITIZE_ADDRESS__  // takes a lock of its own for every stream, and holds it over a fork
+  repeat([] { std::cerr << "" << std::flush; });
+#endif
+  std::string output;
+  for (int i = 0; i < 100; ++i) {
+    EXPECT_EQ(SystemNowait("no-such-program", nullptr, Out<int>()), -2);
+    if (i % 10 == 0) System("printf x", &output);
+  }
+  done = true;
+  EXPECT_EQ(output, std::string(10, 'x'));
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(Hostile, FullAndReadOnlyTmp) {
+  if (std::system("unshare -m mount -t tmpfs none /tmp 2>/dev/null") != 0) {
+    GTEST_SKIP() << "needs the right to mount";
+  }
+  EXPECT_TRUE(PassesInChild([] {
+    ASSERT_EQ(unshare(CLONE_NEWNS), 0);
+    ASSERT_EQ(mount("none", "/", "", MS_REC | MS_PRIVATE, nullptr), 0);
+    ASSERT_EQ(mount("none", "/tmp", "tmpfs", 0, "nr_inodes=2"), 0);
+    EXPECT_NE(GenerateTempFile("last", nullptr), "");
+    for (const int error : {ENOSPC, EROFS}) {
+      int fd = kUnwritten;
+      EXPECT_EQ(GenerateTempFile("x", &fd), "");
+      EXPECT_EQ(fd, -1);
+      EXPECT_FALSE(CheckCreateDir("/tmp/a/b", true));
+      EXPECT_EQ(errno, error);
+      ASSERT_EQ(mount("none", "/tmp", "", MS_REMOUNT | MS_RDONLY, nullptr), 0);
+    }
+  }));
+}
+
+TEST(Hostile, SingleByteLocale) {
+  const TempDir directory;
+  const std::string make = "localedef -f ISO-8859-1 -i de_DE " + directory.Path("latin1");
+  if (std::system((make + " >/dev/null 2>&1").c_str()) != 0) {
+    GTEST_SKIP() << "needs localedef and the character maps of the package locales";
+  }
+  EXPECT_TRUE(PassesInChild([&] {
+    (void)setenv("LOCPATH", directory.Path().c_str(), 1);
+    (void)setenv("HOME", "/", 1);
+    (void)setenv("LOGNAME", "Zo\xEB", 1);
+    ASSERT_NE(std::setlocale(LC_ALL, "latin1"), nullptr);
+    EXPECT_EQ(GXUtils::Transcode("UTF-8", "", "Zoë"), "Zo\xEB");
+    EXPECT_EQ(GXUtils::ToLower("ÄΩ"), "äω");
+    EXPECT_EQ(GXUtils::calcRunningUser(), "Zoë");
+    const Failing unknown("getpwnam", 1, 0);
+    const Failing refused("mkdir", 1, EACCES);
+    EXPECT_EQ(GXUtils::calcHomeDir("Zoë"), "/root");
+    EXPECT_EQ(lookedUp, "Zo\xEB");
+  }));
+}
+
+}  // namespace
