@@ -2,6 +2,8 @@
 
 #include "fuzz.h"
 
+std::vector<World> Worlds() { return {{"", 8, {"a", " ", "\"", "\t"}}, {"", 2, EveryByte()}}; }
+
 // The grammar a step at a time: each erases what it consumes.
 void Check(std::string input) {
   const Strings arguments = GXUtils::SplitCommandLine(input);

@@ -1,7 +1,7 @@
 /// @file
-/// What the fuzz targets share. A target checks laws and compares with a second, plain way to the
-/// same result, written for reading, not for speed. Inputs are taken apart so that seeds can be
-/// read and written by hand.
+/// What the fuzz targets share. A target compares with a second, plain way to the same result,
+/// written for reading, not for speed. The tests run its small worlds whole, under any compiler;
+/// libFuzzer goes on from their tokens.
 #pragma once
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "gxclient_util.h"
+#include "harness/log.h"
 
 // The laws are assertions, in every build type.
 #undef NDEBUG
@@ -17,11 +18,22 @@
 
 using Strings = std::vector<std::string>;
 
-/// The target: checks its laws with one input.
+/// Every text that is `start` and up to `count` tokens.
+struct World {
+  std::string start;
+  std::size_t count;
+  Strings tokens;
+};
+
+/// The target: the texts that its test runs, and its laws for one input.
+std::vector<World> Worlds();
 void Check(std::string input);
 
-/// The lines that the module has logged since a target cleared it, each as "2 message".
-extern std::string logged;
+inline Strings EveryByte() {
+  Strings bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes.emplace_back(1, static_cast<char>(byte));
+  return bytes;
+}
 
 inline Strings Split(const std::string& text, char separator) {
   Strings fields(1);

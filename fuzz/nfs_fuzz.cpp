@@ -36,6 +36,10 @@ void CheckParser(const std::string& option, const Strings& fields) {
 
 }  // namespace
 
+std::vector<World> Worlds() {
+  return {{"", 5, {"/,", "ro", "rw", "RO", "disabled", ",", "\\", "\xFF"}}, {"/,", 2, EveryByte()}};
+}
+
 void Check(std::string input) {
   const Strings fields = Fields(input);
   CheckParser(input, fields);

@@ -2,6 +2,8 @@
 
 #include "fuzz.h"
 
+using namespace std::string_literals;
+
 namespace {
 
 using List = std::list<std::string>;
@@ -14,9 +16,9 @@ std::string Decode(const std::string& text, char separator, List& elements) {
   std::string element;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const bool escaped = text[i] == '\\';
-    if (escaped && ++i == text.size()) return "4 DecodeStringList: Trailing slash";
+    if (escaped && ++i == text.size()) return "4 DecodeStringList: Trailing slash\n";
     const bool meant = text[i] == separator;
-    if (escaped && text[i] != '\\' && !meant) return "4 DecodeStringList: Bad escape sequence";
+    if (escaped && text[i] != '\\' && !meant) return "4 DecodeStringList: Bad escape sequence\n";
     if (escaped || !meant) element += text[i];
     if (!escaped && meant) elements.push_back(Trimmed(std::exchange(element, {}), kBlanks));
   }
@@ -35,6 +37,16 @@ List CheckDecode(const std::string& text, char separator) {
 }
 
 }  // namespace
+
+// Elements are looked through in blocks of 32 bytes, and for themselves from 64 on.
+std::vector<World> Worlds() {
+  std::vector<World> worlds = {{",", 2, EveryByte()}};
+  for (const std::string& separator : {","s, ";"s, " "s, "\\"s, "\0"s}) {
+    worlds.push_back({separator, 6, {separator, "\\", "a", " ", "|"}});
+    worlds.push_back({separator, 5, {separator, "\\", "|", std::string(33, 'a')}});
+  }
+  return worlds;
+}
 
 void Check(std::string input) {
   const char separator = input.c_str()[0];

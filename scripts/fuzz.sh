@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets, installing first what that needs, and runs each for a while from a copy of
-# its corpus. Says for each what was run and found; an input that was found is kept, and the exit
-# status is 1 then.
+# Builds the fuzz targets, installing first what that needs, and runs each for a while with the tokens
+# of its worlds as a dictionary. Says for each what was run and found; an input that was found is
+# kept, and the exit status is 1 then.
 # usage: scripts/fuzz.sh SECONDS [TARGET]...
 set -euo pipefail
 here=$(dirname "$0")
@@ -11,17 +11,18 @@ shift
 "$here/setup.sh" build fuzz
 "$here/build.sh" fuzz
 cd "$here/.."
-[ $# -gt 0 ] || { set -- fuzz/corpus/*; set -- "${@##*/}"; }
+[ $# -gt 0 ] || { set -- fuzz/*_fuzz.cpp; set -- "${@#fuzz/}"; set -- "${@%_fuzz.cpp}"; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p build/fuzz/findings
 
 status=0
 for target in "$@"; do
-  cp -r "fuzz/corpus/$target" "$work/$target"
+  "build/fuzz/fuzz/${target}_world" dictionary | sort -u >"$work/dictionary"
   result=0
   "build/fuzz/fuzz/${target}_fuzz" -max_total_time="$seconds" -max_len=512 -timeout=10 \
-    -print_final_stats=1 -artifact_prefix="build/fuzz/findings/$target-" "$work/$target" \
+    -print_final_stats=1 -artifact_prefix="build/fuzz/findings/$target-" \
+    -dict="$work/dictionary" \
     >"$work/log" 2>&1 || result=$?
   executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$work/log")
   findings=$(sed -n 's/.*Test unit written to //p' "$work/log")
