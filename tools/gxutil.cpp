@@ -135,7 +135,7 @@ std::string ReadStandardInput() {
 }
 
 // Shows the module's messages in the user's language. The catalogues are where the installation
-// puts them, seen from the program's own folder; the build folder is laid out the same way.
+// puts them, seen from the program's own directory; the build directory is laid out the same way.
 void UseCatalogues() {
   std::error_code error;
   std::filesystem::path directory =
