@@ -66,7 +66,7 @@ std::string Lowered(const std::string& text) {
   }
   std::string narrow(text.size() + 3, '\0');
   GXUtils::Transcode("UCS-2", "UTF-8", wide.data(), size, narrow.data(), text.size() + 2);
-  return narrow.c_str();
+  return narrow.substr(0, narrow.find('\0'));
 }
 
 }  // namespace

@@ -5,7 +5,9 @@
 
 namespace {
 
-std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+std::string Replaced(std::string text, const char* pattern, const char* replacement) {
+  const std::string from = pattern;
+  const std::string to = replacement;
   if (from.empty()) return text;
   for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
     text.replace(at, from.size(), to);

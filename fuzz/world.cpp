@@ -34,8 +34,10 @@ int main(int count, char**) {
   (void)std::signal(SIGABRT, [](int) { Show(STDERR_FILENO, input); });
   for (const World& world : Worlds()) {
     input = world.start;
-    if (count == 1) CheckAll(world, world.count);
-    if (count == 1) continue;
+    if (count == 1) {
+      CheckAll(world, world.count);
+      continue;
+    }
     for (const std::string& token : world.tokens) Show(STDOUT_FILENO, token);
   }
 }

@@ -51,7 +51,7 @@ class ErrorLine {
   }
 
  private:
-  char bytes_[kLongestErrorText + 1];
+  char bytes_[kLongestErrorText + 1] = {};
   std::size_t size_ = 0;
 };
 
