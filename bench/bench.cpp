@@ -1,15 +1,17 @@
 #include "bench.h"
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include <cmath>
 #include <cstdio>
 #include <map>
 #include <vector>
 
 namespace {
+
+#ifdef __clang__
+constexpr char kCompiler[] = __VERSION__;
+#else
+constexpr char kCompiler[] = "g++ " __VERSION__;
+#endif
 
 struct Comparison {
   std::string subject;
@@ -25,9 +27,7 @@ class RatioTable : public benchmark::BenchmarkReporter {
 
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
-        medians_[run.run_name.function_name] = run.GetAdjustedRealTime();
-      }
+      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") Take(run);
     }
   }
 
@@ -35,8 +35,10 @@ class RatioTable : public benchmark::BenchmarkReporter {
     std::printf("| function | time (us) | baseline | time (us) | ratio | to reach |\n");
     std::printf("|---|---:|---|---:|---:|---:|\n");
     for (const Comparison& row : comparisons) {
-      const auto subject = medians_.find(row.subject);
-      const auto baseline = medians_.find(row.subject + " : " + row.baseline);
+      const std::string pair = row.subject + " : " + row.baseline;
+      const auto baseline = medians_.find(pair);
+      const auto inTurn = subjectsInTurn_.find(pair);
+      const auto subject = inTurn != subjectsInTurn_.end() ? inTurn : medians_.find(row.subject);
       if (subject == medians_.end() || baseline == medians_.end()) continue;
       const double ratio = subject->second / baseline->second;
       std::printf("| %s | %.3f | %s | %.3f | %.2f%s |", row.subject.c_str(), subject->second / 1000,
@@ -47,17 +49,21 @@ class RatioTable : public benchmark::BenchmarkReporter {
   }
 
  private:
-  std::map<std::string, double> medians_;  // nanoseconds
-};
+  // A row whose sides are called in turn has a median for each of them.
+  void Take(const Run& run) {
+    const std::string& name = run.run_name.function_name;
+    const auto subject = run.counters.find(bench::kSubjectTime);
+    if (subject == run.counters.end()) {
+      medians_[name] = run.GetAdjustedRealTime();
+      return;
+    }
+    subjectsInTurn_[name] = subject->second;
+    medians_[name] = run.counters.at(bench::kBaselineTime);
+  }
 
-// Freed memory stays with the process. Whether the allocator gives it back depends on the rows that
-// ran before, and the page faults that follow would drown what the rows with large inputs compare.
-void KeepFreedMemory() {
-#ifdef __GLIBC__
-  mallopt(M_MMAP_THRESHOLD, 1 << 25);
-  mallopt(M_TRIM_THRESHOLD, 1 << 30);
-#endif
-}
+  std::map<std::string, double> medians_;  // nanoseconds
+  std::map<std::string, double> subjectsInTurn_;
+};
 
 }  // namespace
 
@@ -66,13 +72,10 @@ void bench::Compare(const std::string& subject, const std::string& baseline, dou
 }
 
 int main(int argc, char** argv) {
-  KeepFreedMemory();
-  bench::AddCodecRows();
-  bench::AddProcessRows();
-  bench::AddTextRows();
-  bench::AddEncodingRows();
+  bench::AddRows();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  benchmark::AddCustomContext("compiler", kCompiler);
   RatioTable table;
   benchmark::RunSpecifiedBenchmarks(&table);
   return 0;

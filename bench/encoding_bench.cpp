@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <cwctype>
 #include <string>
@@ -64,6 +65,17 @@ void bench::AddEncodingRows() {
       BareConvert("ISO-8859-1", "UTF-8//IGNORE", copy.data(), copy.size(), buffer);
       benchmark::DoNotOptimize(buffer.data());
     });
+    if (size == 16) {
+      Row("Transcode, buffer, "s + name, [text, buffer]() mutable {
+        GXUtils::Transcode("UTF-8", "UCS-2", text.data(), text.size(), buffer.data(), 34);
+        benchmark::DoNotOptimize(buffer.data());
+      }).Against("bare iconv calls", 1.15, [text, buffer]() mutable {
+        buffer.resize(34);
+        std::fill(buffer.begin(), buffer.end(), '\0');
+        BareConvert("UTF-8", "UCS-2LE//IGNORE", text.data(), text.size(), buffer);
+        benchmark::DoNotOptimize(buffer.data());
+      });
+    }
     Row("ToLower, "s + name, [text] { benchmark::DoNotOptimize(GXUtils::ToLower(text)); })
         .Against(
             "bare iconv calls and towlower", lower,

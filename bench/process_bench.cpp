@@ -11,6 +11,10 @@
 #include "bench.h"
 #include "gxclient_util.h"
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 using namespace std::string_literals;
 
 namespace {
@@ -72,16 +76,34 @@ std::vector<std::string> SplitAtSpaces(const std::string& line) {
   return arguments;
 }
 
-constexpr const char* kTrue[] = {"true", nullptr};
+constexpr const char* kExit[] = {BENCH_EXIT, nullptr};
+constexpr const char* kTrue[] = {"/bin/true", nullptr};
 constexpr const char* kCapture[] = {"head", "-c", "67108864", "/dev/zero", nullptr};
 constexpr const char* kCaptureText[] = {"sh", "-c", "yes | head -c 67108864", nullptr};
 
+// Rows that start a program from a process which holds `memory` bytes more.
+void AddForkRows(const std::string& name, const char* const* argv, std::size_t memory = 0) {
+  bench::CompareInTurn(
+      "System, " + name, [argv] { GXUtils::System(argv); }, "bare pipe, fork, exec, wait", 1.05,
+      [argv] { BareRun(argv); }, memory);
+  bench::CompareInTurn(
+      "SystemNowait, " + name,
+      [argv] {
+        const int pid = GXUtils::SystemNowait(argv);
+        if (waitpid(pid, nullptr, 0) != pid) std::abort();
+      },
+      "bare pipe, fork, exec", 1.05, [argv] { BareStart(argv); }, memory);
+}
+
 }  // namespace
 
-void bench::AddProcessRows() {
-  Row("System(true)", [] {
-    GXUtils::System(kTrue);
-  }).Against("bare pipe, fork, exec, wait", 1.10, [] { BareRun(kTrue); });
+void bench::AddRows() {
+#ifdef __GLIBC__
+  mallopt(M_MMAP_THRESHOLD, 1 << 17);  // what a row frees does not stay and slow the next fork()
+#endif
+  AddForkRows("exit only", kExit);
+  AddForkRows("/bin/true", kTrue);
+  AddForkRows("exit only, from 256 MiB", kExit, 256U << 20);
   Row("System, 64 MiB thrown away", [] {
     GXUtils::System(kCapture);
   }).Against("bare reads of 255 bytes", 1.10, [] { BareRun(kCapture); });
@@ -93,10 +115,6 @@ void bench::AddProcessRows() {
     std::string output;
     BareRun(kCaptureText, &output);
   });
-  Row("SystemNowait(true)", [] {
-    const int pid = GXUtils::SystemNowait(kTrue);
-    if (waitpid(pid, nullptr, 0) != pid) std::abort();
-  }).Against("bare pipe, fork, exec", 1.10, [] { BareStart(kTrue); });
 
   const std::string five = "/usr/bin/program --verbose --output file.txt input";
   std::string megabyte;

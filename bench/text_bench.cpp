@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
 #include <cstring>
 #include <list>
 #include <string>
@@ -8,6 +11,10 @@
 #ifdef BENCH_HAS_ABSL
 #include <absl/strings/str_replace.h>
 #include <absl/strings/str_split.h>
+#endif
+
+#ifdef BENCH_HAS_EVENT
+#include <event2/buffer.h>
 #endif
 
 #include "bench.h"
@@ -32,26 +39,139 @@ std::vector<std::string> Chunks(const std::string& text, std::size_t size) {
 }
 
 // StringLines for tails without line ends: what one would write at the place of the call.
-std::vector<std::string> LinesByHand(const char* chunk, std::string* pending) {
+std::vector<std::string> LinesByHand(const char* chunk, std::string* tail) {
   std::vector<std::string> lines;
-  while (const char* end = std::strchr(chunk, '\n')) {
-    pending->append(chunk, end);
-    if (!pending->empty() && pending->back() == '\r') pending->pop_back();
-    lines.push_back(std::move(*pending));
-    pending->clear();
+  const char* const stop = chunk + std::strlen(chunk);
+  while (const void* found = std::memchr(chunk, '\n', static_cast<std::size_t>(stop - chunk))) {
+    const char* end = static_cast<const char*>(found);
+    tail->append(chunk, end);
+    chunk = end + 1;
+    if (!tail->empty() && tail->back() == '\r') tail->pop_back();
+    lines.push_back(std::move(*tail));
+    tail->clear();
+  }
+  tail->append(chunk, stop);
+  return lines;
+}
+
+// The same with each line made where it stands in the chunk.
+std::vector<std::string> LinesInPlace(const char* chunk, std::string* tail) {
+  std::vector<std::string> lines;
+  const char* const stop = chunk + std::strlen(chunk);
+  while (const void* found = std::memchr(chunk, '\n', static_cast<std::size_t>(stop - chunk))) {
+    const char* end = static_cast<const char*>(found);
+    if (lines.empty()) {
+      tail->append(chunk, end);
+      if (!tail->empty() && tail->back() == '\r') tail->pop_back();
+      lines.push_back(std::move(*tail));
+    } else {
+      lines.emplace_back(chunk, end != chunk && end[-1] == '\r' ? end - 1 : end);
+    }
     chunk = end + 1;
   }
-  pending->append(chunk);
+  if (lines.empty()) {
+    tail->append(chunk, stop);
+  } else {
+    tail->assign(chunk, stop);
+  }
   return lines;
 }
 
 using Liner = std::vector<std::string> (*)(const char*, std::string*);
 
 void FeedLines(const std::vector<std::string>& chunks, Liner liner) {
-  std::string pending;
+  std::string tail;
   for (const std::string& chunk : chunks) {
-    benchmark::DoNotOptimize(liner(chunk.c_str(), &pending));
+    benchmark::DoNotOptimize(liner(chunk.c_str(), &tail));
   }
+}
+
+#ifdef BENCH_HAS_EVENT
+void FeedEventBuffer(const std::vector<std::string>& chunks) {
+  evbuffer* buffer = evbuffer_new();
+  for (const std::string& chunk : chunks) {
+    evbuffer_add(buffer, chunk.data(), chunk.size());
+    std::vector<std::string> lines;
+    std::size_t size = 0;
+    while (char* line = evbuffer_readln(buffer, &size, EVBUFFER_EOL_CRLF)) {
+      lines.emplace_back(line, size);
+      std::free(line);
+    }
+    benchmark::DoNotOptimize(lines);
+  }
+  evbuffer_free(buffer);
+}
+#endif
+
+std::vector<std::string> SplitByHand(const std::string& text, char separator) {
+  std::vector<std::string> fields;
+  fields.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1);
+  const char* start = text.data();
+  const char* const stop = start + text.size();
+  for (const char* end = start; end != stop; ++end) {
+    if (*end != separator) continue;
+    fields.emplace_back(start, end);
+    start = end + 1;
+  }
+  fields.emplace_back(start, stop);
+  return fields;
+}
+
+std::string ReplaceByHand(std::string& text, const char* pattern, const char* replacement) {
+  const std::size_t size = std::strlen(pattern);
+  std::string result;
+  std::size_t start = 0;
+  std::size_t found = 0;
+  while ((found = text.find(pattern, start, size)) != std::string::npos) {
+    result.append(text, start, found - start).append(replacement);
+    start = found + size;
+  }
+  result.append(text, start);
+  text = result;
+  return result;
+}
+
+// For texts with few hits: what follows each one is moved.
+std::string ReplaceWithin(std::string& text, const char* pattern, const char* replacement) {
+  const std::size_t size = std::strlen(pattern);
+  const std::size_t inserted = std::strlen(replacement);
+  for (std::size_t at = 0; (at = text.find(pattern, at, size)) != std::string::npos;) {
+    text.replace(at, size, replacement, inserted);
+    at += inserted;
+  }
+  return text;
+}
+
+// Component by component; both have the same number of them.
+int CompareByHand(const char* first, const char* second) {
+  for (;;) {
+    const std::size_t ours = std::strcspn(first, ".");
+    const std::size_t theirs = std::strcspn(second, ".");
+    const int order = std::memcmp(first, second, std::min(ours, theirs));
+    if (order != 0) return order;
+    if (ours != theirs) return ours < theirs ? -1 : 1;
+    if (first[ours] == '\0') return 0;
+    first += ours + 1;
+    second += theirs + 1;
+  }
+}
+
+// With a table of its own for the lower-case letters.
+int CompareDigits(const char* first, const char* second) {
+  static const std::vector<unsigned char> lower = [] {
+    std::vector<unsigned char> table(256);
+    for (int c = 0; c < 256; ++c)
+      table[static_cast<unsigned char>(c)] = static_cast<unsigned char>(std::tolower(c));
+    return table;
+  }();
+  const std::size_t size = std::strlen(first);
+  if (size != std::strlen(second)) return size < std::strlen(second) ? -1 : 1;
+  for (std::size_t i = 0; i < size; ++i) {
+    const int ours = lower[static_cast<unsigned char>(first[i])];
+    const int theirs = lower[static_cast<unsigned char>(second[i])];
+    if (ours != theirs) return ours < theirs ? -1 : 1;
+  }
+  return 0;
 }
 
 void AddSplitRows() {
@@ -69,9 +189,30 @@ void AddSplitRows() {
     });
   }
 #endif
+  const std::string bytes = Repeat("x,", 1 << 20);
+  bench::Row("SplitString, 1 MiB, fields of 1 byte", [bytes] {
+    benchmark::DoNotOptimize(GXUtils::SplitString(bytes, ','));
+  }).Against("hand loop", 1.05, [bytes] {
+    benchmark::DoNotOptimize(SplitByHand(std::string(bytes), ','));
+  });
 }
 
 void AddReplaceRows() {
+  const auto add = [](const std::string& name, const std::string& text, const char* pattern,
+                      const char* replacement, auto baseline, double target) {
+    bench::Row("ReplaceInString, " + name, [=] {
+      std::string copy = text;
+      benchmark::DoNotOptimize(GXUtils::ReplaceInString(copy, pattern, replacement));
+    }).Against("hand loop", target, [=] {
+      std::string copy = text;
+      benchmark::DoNotOptimize(baseline(copy, pattern, replacement));
+    });
+  };
+  const std::string line = std::string(30, 'x') + "ab" + std::string(32, 'y');
+  add("64 bytes, one hit, shorter", line, "ab", "c", ReplaceWithin, 1.15);
+  add("64 bytes, one hit, longer", line, "ab", "cde", ReplaceWithin, 1.15);
+  add("256 KiB, a hit each 16 bytes, longer", Repeat(std::string(14, 'x') + "ab", 256 << 10), "ab",
+      "cde", ReplaceByHand, 1.05);
 #ifdef BENCH_HAS_ABSL
   const std::string text = Repeat(std::string(78, 'x') + "\r\n", 1 << 20);
   bench::Row("ReplaceInString, 1 MiB", [text] {
@@ -96,20 +237,25 @@ void AddReplaceRows() {
 
 void AddLineRows() {
   const auto chunks = Chunks(Repeat(std::string(79, 'x') + "\n", 16 << 20), 255);
-  bench::Row("StringLines, 16 MiB in 255-byte chunks", [chunks] {
-    FeedLines(chunks, GXUtils::StringLines);
-  }).Against("hand loop", 1.10, [chunks] { FeedLines(chunks, LinesByHand); });
+  const bench::Row row("StringLines, 16 MiB in 255-byte chunks",
+                       [chunks] { FeedLines(chunks, GXUtils::StringLines); });
+  row.Against("hand loop", 1.10, [chunks] { FeedLines(chunks, LinesByHand); });
+  row.Against("hand loop, in place", 1.30, [chunks] { FeedLines(chunks, LinesInPlace); });
+#ifdef BENCH_HAS_EVENT
+  row.Against("libevent", 0.60, [chunks] { FeedEventBuffer(chunks); });
+#endif
 }
 
 void AddListRows() {
   for (const auto& [name, size, count] :
-       {std::tuple("1000 elements of 16", 16, 1000), std::tuple("16 of 64 KiB", 65536, 16)}) {
+       {std::tuple("10 elements of 16", 16, 10), std::tuple("1000 elements of 16", 16, 1000),
+        std::tuple("65536 elements of 16", 16, 65536), std::tuple("16 of 64 KiB", 65536, 16)}) {
     const std::list<std::string> elements(static_cast<std::size_t>(count),
                                           std::string(static_cast<std::size_t>(size), 'e'));
     const std::string text = GXUtils::EncodeStringList(elements, ',');
     bench::Row("EncodeStringList, "s + name, [elements] {
       benchmark::DoNotOptimize(GXUtils::EncodeStringList(elements, ','));
-    }).Against("plain appending", 2.0, [elements] {
+    }).Against("plain appending", size == 16 ? 1.4 : 2.0, [elements] {
       std::size_t total = 0;
       for (const std::string& element : elements) total += element.size() + 2;
       std::string plain;
@@ -128,6 +274,27 @@ void AddListRows() {
   }
 }
 
+void AddComparisonRows() {
+  const auto add = [](const std::string& name, auto subject, const std::string& baseline,
+                      double target, auto body, const std::string& first,
+                      const std::string& second) {
+    bench::Row(name, [=] {
+      benchmark::DoNotOptimize(subject(first.c_str(), second.c_str()));
+    }).Against(baseline, target, [=] {
+      benchmark::DoNotOptimize(body(first.c_str(), second.c_str()));
+    });
+  };
+  add("CompareVersions, 4 components", GXUtils::CompareVersions, "walk", 1.5, CompareByHand,
+      "10.20.30.40", "10.20.30.41");
+  const std::string digits = Repeat("1f3a5b7c9d0e2f4a", 64);
+  std::string capitals = digits;
+  for (char& c : capitals) c = static_cast<char>(std::toupper(c));
+  add("CompareHexStrings, 64 digits", GXUtils::CompareHexStrings, "loop over a table", 3,
+      CompareDigits, digits, digits);
+  add("CompareHexStrings, 64 digits of either case", GXUtils::CompareHexStrings,
+      "loop over a table", 3, CompareDigits, digits, capitals);
+}
+
 }  // namespace
 
 void bench::AddTextRows() {
@@ -135,4 +302,5 @@ void bench::AddTextRows() {
   AddReplaceRows();
   AddLineRows();
   AddListRows();
+  AddComparisonRows();
 }

@@ -160,6 +160,17 @@ int ReportExit(const char* program, int status, int* exitCode) {
   return 0;
 }
 
+// The first `byte` from `start` on; `end` when there is none.
+const char* Find(char byte, const char* start, const char* end) {
+  const void* found = std::memchr(start, byte, static_cast<std::size_t>(end - start));
+  return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
+// What follows a separator; `end` stands for one that was not found.
+const char* Behind(const char* separator, const char* end) {
+  return separator == end ? end : separator + 1;
+}
+
 void AddCommandLine(ArgVector& arguments, std::string commandLine) {
   for (std::string& argument : SplitCommandLine(std::move(commandLine))) {
     arguments.addArgument(std::move(argument));
@@ -169,28 +180,26 @@ void AddCommandLine(ArgVector& arguments, std::string commandLine) {
 }  // namespace
 
 std::vector<std::string> SplitCommandLine(std::string commandLine) {
-  const std::string_view line = commandLine;
   std::vector<std::string> arguments;
-  std::size_t start = 0;
-  for (;;) {
-    if (start < line.size() && line[start] == '"') {
-      const std::size_t close = line.find('"', start + 1);
-      if (close != std::string_view::npos) {
-        arguments.emplace_back(line.substr(start + 1, close - start - 1));
-        start = close + 1;
+  const char* next = commandLine.data();
+  const char* const end = next + commandLine.size();
+  while (next != end) {
+    if (*next == '"') {
+      const char* close = Find('"', next + 1, end);
+      if (close != end) {
+        arguments.emplace_back(next + 1, close);
+        next = close + 1;
         continue;
       }
       // Never closed: the field is lost. No quote is left, so this search is made once.
-      const std::size_t space = line.find(' ', start + 1);
-      if (space == std::string_view::npos) return arguments;
-      start = space + 1;
+      next = Behind(Find(' ', next + 1, end), end);
       continue;
     }
-    const std::size_t end = std::min(line.find(' ', start), line.size());
-    if (end != start) arguments.emplace_back(line.substr(start, end - start));
-    if (end == line.size()) return arguments;
-    start = end + 1;
+    const char* space = Find(' ', next, end);
+    if (space != next) arguments.emplace_back(next, space);
+    next = Behind(space, end);
   }
+  return arguments;
 }
 
 int System(const char* const* argv, std::string* output, int* exitCode) {
