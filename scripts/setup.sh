@@ -11,7 +11,10 @@ debian_packages() {
     check) echo clang clang-format clang-tidy cppcheck locales ;;
     libcxx) echo clang libc++-dev libc++abi-dev googletest ;;
     valgrind) echo valgrind libc6-dbg ;;
-    bench) echo libbenchmark-dev libabsl-dev libglib2.0-dev libmodpbase64-dev libssl-dev ;;
+    bench)
+      echo gnuplot-nox jq libabsl-dev libbenchmark-dev libevent-dev libglib2.0-dev libmodpbase64-dev \
+        libssl-dev
+      ;;
     coverage) echo gcovr ;;
     docs) echo doxygen doxygen-awesome-css ;;
     fuzz) echo clang libclang-rt-dev ;;
@@ -24,7 +27,7 @@ brew_packages() {
   case $1 in
     build) echo cmake pkg-config cli11 googletest gettext nettle ;;
     check) echo llvm cppcheck ;;
-    bench) echo google-benchmark abseil glib openssl ;;
+    bench) echo abseil glib gnuplot google-benchmark jq libevent openssl ;;
     coverage) echo gcovr ;;
     docs) echo doxygen ;;
     fuzz) echo llvm ;;
