@@ -2,10 +2,11 @@
 # Not for a build with sanitizers, which do not see through the C library's checked calls.
 function(gxclient_harden_target target)
   target_compile_options(${target} PRIVATE -fstack-protector-strong)
-  # The C library's checked calls need the optimiser. Some compilers define the macro by themselves.
+  # The C library's checked calls need the optimiser. Some compilers define the macro by themselves;
+  # a C library that has no level 3 takes it for 2.
   set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
   target_compile_options(${target} PRIVATE
-    $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=2>)
+    $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=3>)
   if(NOT APPLE)
     target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now)
   endif()
@@ -30,8 +31,9 @@ function(gxclient_configure_target target)
   if(GXCLIENT_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
-  # Out-of-range indexes stop the process in every build type.
-  target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+  # Out-of-range indexes stop the process in every build type, with libstdc++ and newer libc++.
+  target_compile_definitions(${target} PRIVATE
+    _GLIBCXX_ASSERTIONS _LIBCPP_HARDENING_MODE=_LIBCPP_HARDENING_MODE_FAST)
   if(CMAKE_SIZEOF_VOID_P EQUAL 4)  # files above 2 GiB exist there as well
     target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   endif()
