@@ -6,4 +6,5 @@ cd "$(dirname "$0")/.."
 
 mode=(-i)
 [ "${1:-}" != --check ] || mode=(--dry-run --Werror)
-git ls-files -z '*.h' '*.cpp' | xargs -0r clang-format "${mode[@]}"
+find bench common docs fuzz tests tools '(' -name '*.h' -o -name '*.cpp' ')' -print0 |
+  xargs -0 clang-format "${mode[@]}"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs cppcheck over the sources; every finding fails.
+# Runs cppcheck over the sources and shellcheck over the scripts; every finding fails.
 # usage: scripts/lint.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,4 +19,6 @@ for check in passedByValue useStlAlgorithm getpwnamCalled getpwuidCalled readdir
   assertWithSideEffect redundantContinue accessMoved shadowFunction; do
   options+=("--suppress=$check")
 done
-git ls-files -z '*.cpp' | xargs -0 cppcheck -j "$(getconf _NPROCESSORS_ONLN)" "${options[@]}"
+find bench common docs fuzz tests tools -name '*.cpp' -print0 |
+  xargs -0 cppcheck -j "$(getconf _NPROCESSORS_ONLN)" "${options[@]}"
+shellcheck .ci/run scripts/*.sh po/*.sh tests/*.sh tools/*.sh cmake/debian/*.sh tools/gxutil.bash

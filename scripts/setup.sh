@@ -8,7 +8,7 @@ set -euo pipefail
 debian_packages() {
   case $1 in
     build) echo g++ cmake make pkg-config gettext libcli11-dev libgtest-dev nettle-dev ;;
-    check) echo clang clang-format clang-tidy cppcheck locales ;;
+    check) echo clang clang-format clang-tidy cppcheck locales shellcheck ;;
     libcxx) echo clang libc++-dev libc++abi-dev googletest ;;
     valgrind) echo valgrind libc6-dbg ;;
     bench)
@@ -25,9 +25,9 @@ debian_packages() {
 
 brew_packages() {
   case $1 in
-    build) echo cmake pkg-config cli11 googletest gettext nettle ;;
-    check) echo llvm cppcheck ;;
-    bench) echo abseil glib gnuplot google-benchmark jq libevent openssl ;;
+    build) echo cmake pkgconf cli11 googletest gettext nettle ;;
+    check) echo llvm cppcheck shellcheck ;;
+    bench) echo abseil glib gnuplot google-benchmark jq libevent openssl@3 ;;
     coverage) echo gcovr ;;
     docs) echo doxygen ;;
     fuzz) echo llvm ;;
