@@ -58,7 +58,7 @@ class RatioTable : public benchmark::BenchmarkReporter {
       return;
     }
     subjectsInTurn_[name] = subject->second;
-    medians_[name] = run.counters.at(bench::kBaselineTime);
+    medians_[name] = subject->second / run.counters.at(bench::kRatio);
   }
 
   std::map<std::string, double> medians_;  // nanoseconds

@@ -16,9 +16,9 @@ namespace bench {
 /// Notes that `subject` is to be compared with `baseline` and take at most `target` times as long.
 void Compare(const std::string& subject, const std::string& baseline, double target);
 
-/// The counters of a row whose sides are called in turn, in nanoseconds.
+/// The counters of a row whose sides are called in turn: nanoseconds, and the ratio of the medians.
 constexpr char kSubjectTime[] = "subject";
-constexpr char kBaselineTime[] = "baseline";
+constexpr char kRatio[] = "ratio";
 
 template <class Body>
 void Time(const std::string& name, Body body) {
@@ -62,11 +62,10 @@ inline double Median(std::vector<double> times) {
 
 /// A row whose two sides are called in turn, each of them first every other time. For what depends
 /// on the state of the machine more than on the code, such as fork(): blocks of one side scatter.
-/// The process holds `memory` bytes more meanwhile.
+/// A repetition makes `pairs` calls of each side; the process holds `memory` bytes more meanwhile.
 template <class Subject, class Body>
 void CompareInTurn(const std::string& name, Subject subject, const std::string& baseline,
-                   double target, Body body, std::size_t memory = 0) {
-  constexpr int kPairs = 50;
+                   double target, Body body, int pairs, std::size_t memory = 0) {
   const auto run = [=](benchmark::State& state) mutable {
     const std::string held(memory, 'x');
     std::vector<double> subjectTimes;
@@ -78,10 +77,10 @@ void CompareInTurn(const std::string& name, Subject subject, const std::string& 
       if (!isFirst) subjectTimes.push_back(TimeOnce(subject));
     }
     state.counters[kSubjectTime] = Median(subjectTimes);
-    state.counters[kBaselineTime] = Median(baselineTimes);
+    state.counters[kRatio] = Median(subjectTimes) / Median(baselineTimes);
   };
   benchmark::RegisterBenchmark((name + " : " + baseline).c_str(), run)
-      ->Iterations(kPairs)
+      ->Iterations(pairs)
       ->UseRealTime();
   Compare(name, baseline, target);
 }

@@ -77,7 +77,7 @@ const std::vector<Peer> kEncoders = {
      }},
 #ifdef BENCH_HAS_ABSL
     {"Abseil",
-     {kNone, 0.70, 1, 1},
+     {kNone, 0.55, 1, 0.80},
      [](const std::string& data) { return absl::Base64Escape(data); }},
 #endif
 #ifdef BENCH_HAS_MODP
@@ -126,7 +126,7 @@ const std::vector<Peer> kDecoders = {
 #endif
 #ifdef BENCH_HAS_MODP
     {"libmodpbase64",
-     {kNone, 1.15, kNone, kNone},
+     {kNone, 0.90, kNone, kNone},
      [](const std::string& text) { return modp::b64_decode(text); }},
 #endif
 #ifdef BENCH_HAS_GLIB
@@ -167,7 +167,7 @@ const std::vector<Peer> kHexDecoders = {
 #endif
 #ifdef BENCH_HAS_MODP
     {"libmodpbase64",
-     {kNone, 1.15, kNone, kNone},
+     {kNone, 0.90, kNone, kNone},
      [](const std::string& hex) { return modp::b16_decode(hex); }},
 #endif
 #ifdef BENCH_HAS_OPENSSL

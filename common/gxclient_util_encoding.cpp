@@ -149,7 +149,7 @@ std::size_t LowerUnits(char* bytes, std::size_t size) {
     const unsigned high = static_cast<unsigned char>(bytes[at + 1]);
     const unsigned unit = low | high << 8;
     if (unit == 0) break;
-    const auto lowered = static_cast<unsigned>(std::towlower(unit));
+    const auto lowered = static_cast<unsigned>(std::towlower(static_cast<std::wint_t>(unit)));
     bytes[at] = static_cast<char>(lowered & 0xFF);
     bytes[at + 1] = static_cast<char>(lowered >> 8 & 0xFF);
   }

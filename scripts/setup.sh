@@ -5,6 +5,8 @@
 # is needed, and the build says what it misses.
 set -euo pipefail
 
+emulation='mmdebstrap qemu-user'  # scripts/cross.sh: libraries of the processor, and its emulator
+
 debian_packages() {
   case $1 in
     build) echo g++ cmake make pkg-config gettext libcli11-dev libgtest-dev nettle-dev ;;
@@ -19,6 +21,12 @@ debian_packages() {
     docs) echo doxygen doxygen-awesome-css ;;
     fuzz) echo clang libclang-rt-dev ;;
     package) echo dpkg-dev file lintian ;;
+    aarch64) echo g++-aarch64-linux-gnu "$emulation" ;;
+    armhf) echo g++-arm-linux-gnueabihf "$emulation" ;;
+    i386) echo g++-i686-linux-gnu "$emulation" ;;
+    riscv64) echo g++-riscv64-linux-gnu "$emulation" ;;
+    s390x) echo g++-s390x-linux-gnu "$emulation" ;;
+    npm) echo npm ;;
     *) return 1 ;;
   esac
 }
