@@ -7,6 +7,6 @@
 | select($peer and ($peer | startswith("itself") | not))
 | select($row | test(", (24|1048576|16777216) bytes$") | not)
 | [($row | sub(", 4096 bytes$"; ", 4 KiB")), $peer,
-   if .subject then .subject / .baseline else $time[$row] / .real_time end])
+   (.ratio // $time[$row] / .real_time)])
 | sort[]
 | @tsv

@@ -185,10 +185,10 @@ std::vector<std::string> SplitCommandLine(std::string commandLine) {
   const char* const end = next + commandLine.size();
   while (next != end) {
     if (*next == '"') {
-      const char* close = Find('"', next + 1, end);
-      if (close != end) {
-        arguments.emplace_back(next + 1, close);
-        next = close + 1;
+      const char* quote = Find('"', next + 1, end);
+      if (quote != end) {
+        arguments.emplace_back(next + 1, quote);
+        next = quote + 1;
         continue;
       }
       // Never closed: the field is lost. No quote is left, so this search is made once.

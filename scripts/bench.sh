@@ -11,7 +11,7 @@ results=build/release/bench
 run() {
   local filter=${1:-.} cpu program
   [ $# -eq 0 ] || shift
-  cpu=$(sed -n 's/^model name[^:]*: *//p' /proc/cpuinfo 2>/dev/null | head -n 1)
+  cpu=$(sed -n 's/^model name[^:]*: *//p' /proc/cpuinfo 2>/dev/null | head -n 1) || true
   scripts/build.sh release -DGXCLIENT_BUILD_BENCH=ON
   for program in gxclient_process_bench gxclient_bench; do
     "build/release/bench/$program" --benchmark_filter="$filter" \
