@@ -1,6 +1,7 @@
 // What fuzz/ and gxutil.session cannot show; hostile_test.cpp has the failures.
 
 #include <clocale>
+#include <cstring>
 
 #include <sys/resource.h>
 
@@ -33,6 +34,13 @@ TEST(SystemNowait, CutsALongErrorAtACharacter) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             longest + "\n" + longest + "\nx" + umlauts.substr(0, 254) + "\n");
   std::setlocale(LC_CTYPE, "C");
+}
+
+TEST(SystemNowait, WritesTheTextOfAnyError) {
+  testing::internal::CaptureStderr();
+  const Failing unusual("execvp", 1, ENOTUNIQ);
+  EXPECT_EQ(GXUtils::SystemNowait("true"), -2);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), std::strerror(ENOTUNIQ) + std::string("\n"));
 }
 
 TEST(CheckFileExecutable, AsksTheFirstClassThatTheRealIdsBelongTo) {

@@ -26,6 +26,7 @@ bool Failing::Now(const char* call) {
     return Failing::Now(#name) ? failure : __real_##name arguments; \
   }
 
+WRAP(int, execvp, (const char* file, char* const* argv), (file, argv), -1)
 WRAP(pid_t, fork, (), (), -1)
 WRAP(int, pipe, (int ends[2]), (ends), -1)
 WRAP(int, poll, (pollfd * fds, nfds_t count, int timeout), (fds, count, timeout), -1)
