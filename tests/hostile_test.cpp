@@ -177,7 +177,8 @@ TEST(Hostile, AFailedStartWritesItsErrorAlone) {
   testing::internal::CaptureStderr();
   EXPECT_TRUE(PassesInChild([] {
     std::cerr.rdbuf(std::cout.rdbuf());
-    (void)std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
+    static char buffer[BUFSIZ];  // of its own: the stream may have been used
+    (void)std::setvbuf(stderr, buffer, _IOFBF, sizeof buffer);
     (void)std::fputs("waits for the end", stderr);
     std::string output;
     EXPECT_EQ(System("no-such-program", &output), -2);
