@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -27,42 +28,27 @@ class RatioTable : public benchmark::BenchmarkReporter {
 
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") Take(run);
+      if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median") continue;
+      medians_[run.run_name.function_name] = {run.counters.at(bench::kSubjectTime),
+                                              run.counters.at(bench::kRatio)};
     }
   }
 
   void Finalize() override {
-    std::printf("| function | time (us) | baseline | time (us) | ratio | to reach |\n");
-    std::printf("|---|---:|---|---:|---:|---:|\n");
+    std::printf("| function | time (us) | baseline | ratio | to reach |\n");
+    std::printf("|---|---:|---|---:|---:|\n");
     for (const Comparison& row : comparisons) {
-      const std::string pair = row.subject + " : " + row.baseline;
-      const auto baseline = medians_.find(pair);
-      const auto inTurn = subjectsInTurn_.find(pair);
-      const auto subject = inTurn != subjectsInTurn_.end() ? inTurn : medians_.find(row.subject);
-      if (subject == medians_.end() || baseline == medians_.end()) continue;
-      const double ratio = subject->second / baseline->second;
-      std::printf("| %s | %.3f | %s | %.3f | %.2f%s |", row.subject.c_str(), subject->second / 1000,
-                  row.baseline.c_str(), baseline->second / 1000, ratio,
-                  ratio > row.target ? " (!)" : "");
+      const auto found = medians_.find(row.subject + " : " + row.baseline);
+      if (found == medians_.end()) continue;
+      const auto [time, ratio] = found->second;
+      std::printf("| %s | %.3f | %s | %.2f%s |", row.subject.c_str(), time / 1000,
+                  row.baseline.c_str(), ratio, ratio > row.target ? " (!)" : "");
       std::printf(std::isinf(row.target) ? " |\n" : " %.2f |\n", row.target);
     }
   }
 
  private:
-  // A row whose sides are called in turn has a median for each of them.
-  void Take(const Run& run) {
-    const std::string& name = run.run_name.function_name;
-    const auto subject = run.counters.find(bench::kSubjectTime);
-    if (subject == run.counters.end()) {
-      medians_[name] = run.GetAdjustedRealTime();
-      return;
-    }
-    subjectsInTurn_[name] = subject->second;
-    medians_[name] = subject->second / run.counters.at(bench::kRatio);
-  }
-
-  std::map<std::string, double> medians_;  // nanoseconds
-  std::map<std::string, double> subjectsInTurn_;
+  std::map<std::string, std::pair<double, double>> medians_;  // nanoseconds a call, ratio
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 /// @file
-/// Rows of the benchmark: a function of the module beside one or more baselines, all timed in the
-/// same run and in random order or in turn, so that a noisy machine disturbs both alike.
+/// Rows of the benchmark: a function of the module beside one or more baselines. The two sides of a
+/// row are called in turn, each of them first every other time, so that a noisy machine disturbs
+/// both alike.
 #pragma once
 
 #include <algorithm>
@@ -16,42 +17,26 @@ namespace bench {
 /// Notes that `subject` is to be compared with `baseline` and take at most `target` times as long.
 void Compare(const std::string& subject, const std::string& baseline, double target);
 
-/// The counters of a row whose sides are called in turn: nanoseconds, and the ratio of the medians.
+/// The counters of a row: nanoseconds that a call of the function takes, and the ratio of the
+/// medians.
 constexpr char kSubjectTime[] = "subject";
 constexpr char kRatio[] = "ratio";
 
+/// The time that a call takes, in nanoseconds, measured over so many calls.
 template <class Body>
-void Time(const std::string& name, Body body) {
-  benchmark::RegisterBenchmark(name.c_str(), [body](benchmark::State& state) mutable {
-    for (auto _ : state) body();
-  })->UseRealTime();
+double TimePerCall(Body& body, int calls) {
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < calls; ++i) body();
+  const std::chrono::duration<double, std::nano> time = std::chrono::steady_clock::now() - start;
+  return time.count() / calls;
 }
 
-/// A row: `Row("Strip", [] { ... }).Against("bare loop", 1.1, [] { ... });`
-class Row {
- public:
-  template <class Body>
-  Row(std::string name, Body body) : name_(std::move(name)) {
-    Time(name_, std::move(body));
-  }
-
-  template <class Body>
-  const Row& Against(const std::string& baseline, double target, Body body) const {
-    Time(name_ + " : " + baseline, std::move(body));
-    Compare(name_, baseline, target);
-    return *this;
-  }
-
- private:
-  std::string name_;
-};
-
-/// The time that one call takes, in nanoseconds.
+/// How many calls take 20 microseconds, beside which reading the clock takes no time.
 template <class Body>
-double TimeOnce(Body& body) {
-  const auto start = std::chrono::steady_clock::now();
-  body();
-  return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
+int CallsAtOnce(Body& body) {
+  int calls = 1;
+  while (TimePerCall(body, calls) * calls < 20000) calls *= 2;
+  return calls;
 }
 
 inline double Median(std::vector<double> times) {
@@ -60,30 +45,41 @@ inline double Median(std::vector<double> times) {
   return *middle;
 }
 
-/// A row whose two sides are called in turn, each of them first every other time. For what depends
-/// on the state of the machine more than on the code, such as fork(): blocks of one side scatter.
-/// A repetition makes `pairs` calls of each side; the process holds `memory` bytes more meanwhile.
-template <class Subject, class Body>
-void CompareInTurn(const std::string& name, Subject subject, const std::string& baseline,
-                   double target, Body body, int pairs, std::size_t memory = 0) {
-  const auto run = [=](benchmark::State& state) mutable {
-    const std::string held(memory, 'x');
-    std::vector<double> subjectTimes;
-    std::vector<double> baselineTimes;
-    for (auto _ : state) {
-      const bool isFirst = subjectTimes.size() % 2 == 0;
-      if (isFirst) subjectTimes.push_back(TimeOnce(subject));
-      baselineTimes.push_back(TimeOnce(body));
-      if (!isFirst) subjectTimes.push_back(TimeOnce(subject));
-    }
-    state.counters[kSubjectTime] = Median(subjectTimes);
-    state.counters[kRatio] = Median(subjectTimes) / Median(baselineTimes);
-  };
-  benchmark::RegisterBenchmark((name + " : " + baseline).c_str(), run)
-      ->Iterations(pairs)
-      ->UseRealTime();
-  Compare(name, baseline, target);
-}
+/// A row: `Row("Strip", [] { ... }).Against("bare loop", 1.1, [] { ... });`
+template <class Subject>
+class Row {
+ public:
+  /// The process holds `memory` bytes more while the row is timed.
+  Row(std::string name, Subject subject, std::size_t memory = 0)
+      : name_(std::move(name)), subject_(std::move(subject)), memory_(memory) {}
+
+  template <class Body>
+  const Row& Against(const std::string& baseline, double target, Body body) const {
+    const auto run = [subject = subject_, body, memory = memory_,
+                      isFirst = false](benchmark::State& state) mutable {
+      const std::string held(memory, 'x');
+      const int calls = std::max(CallsAtOnce(subject), CallsAtOnce(body));
+      std::vector<double> times;
+      std::vector<double> baselineTimes;
+      for (auto _ : state) {
+        isFirst = !isFirst;
+        if (isFirst) times.push_back(TimePerCall(subject, calls));
+        baselineTimes.push_back(TimePerCall(body, calls));
+        if (!isFirst) times.push_back(TimePerCall(subject, calls));
+      }
+      state.counters[kSubjectTime] = Median(times);
+      state.counters[kRatio] = Median(times) / Median(baselineTimes);
+    };
+    benchmark::RegisterBenchmark((name_ + " : " + baseline).c_str(), run)->UseRealTime();
+    Compare(name_, baseline, target);
+    return *this;
+  }
+
+ private:
+  std::string name_;
+  Subject subject_;
+  std::size_t memory_;
+};
 
 /// Adds the rows of the program.
 void AddRows();

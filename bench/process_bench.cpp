@@ -83,16 +83,17 @@ constexpr const char* kCaptureText[] = {"sh", "-c", "yes | head -c 67108864", nu
 
 // Rows that start a program from a process which holds `memory` bytes more.
 void AddForkRows(const std::string& name, const char* const* argv, std::size_t memory = 0) {
-  bench::CompareInTurn(
-      "System, " + name, [argv] { GXUtils::System(argv); }, "bare pipe, fork, exec, wait", 1.05,
-      [argv] { BareRun(argv); }, 50, memory);
-  bench::CompareInTurn(
-      "SystemNowait, " + name,
-      [argv] {
-        const int pid = GXUtils::SystemNowait(argv);
-        if (waitpid(pid, nullptr, 0) != pid) std::abort();
-      },
-      "bare pipe, fork, exec", 1.05, [argv] { BareStart(argv); }, 50, memory);
+  const auto run = [argv] { GXUtils::System(argv); };
+  bench::Row("System, " + name, run, memory).Against("bare pipe, fork, exec, wait", 1.05, [argv] {
+    BareRun(argv);
+  });
+  const auto start = [argv] {
+    const int pid = GXUtils::SystemNowait(argv);
+    if (waitpid(pid, nullptr, 0) != pid) std::abort();
+  };
+  bench::Row("SystemNowait, " + name, start, memory).Against("bare pipe, fork, exec", 1.05, [argv] {
+    BareStart(argv);
+  });
 }
 
 }  // namespace
@@ -104,22 +105,17 @@ void bench::AddRows() {
   AddForkRows("exit only", kExit);
   AddForkRows("/bin/true", kTrue);
   AddForkRows("exit only, from 256 MiB", kExit, 256U << 20);
-  CompareInTurn(
-      "System, 64 MiB thrown away", [] { GXUtils::System(kCapture); }, "bare reads of 255 bytes",
-      1.10, [] { BareRun(kCapture); }, 5);
-  CompareInTurn(
-      "System, 64 MiB captured",
-      [] {
-        std::string output;
-        GXUtils::System(kCaptureText, &output);
-        if (output.size() != 67108864) std::abort();
-      },
-      "bare reads of 255 bytes, appended", 1.10,
-      [] {
-        std::string output;
-        BareRun(kCaptureText, &output);
-      },
-      5);
+  Row("System, 64 MiB thrown away", [] {
+    GXUtils::System(kCapture);
+  }).Against("bare reads of 255 bytes", 1.10, [] { BareRun(kCapture); });
+  Row("System, 64 MiB captured", [] {
+    std::string output;
+    GXUtils::System(kCaptureText, &output);
+    if (output.size() != 67108864) std::abort();
+  }).Against("bare reads of 255 bytes, appended", 1.10, [] {
+    std::string output;
+    BareRun(kCaptureText, &output);
+  });
 
   const std::string five = "/usr/bin/program --verbose --output file.txt input";
   std::string megabyte;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds and runs the benchmarks, installing first what they need, and prints the ratio tables:
-# each function beside its baselines, medians of 15 repetitions in random order or in turn.
+# each function beside its baselines, called in turn, medians of 15 repetitions in random order.
 # usage: scripts/bench.sh [FILTER [BENCHMARK_OPTION...]]
 #        scripts/bench.sh --chart [--again]   runs them all and draws docs/benchmarks.svg; with
 #                                             --again it draws the last run
