@@ -29,7 +29,7 @@ std::pair<std::size_t, std::string> Number(std::string text) {
 }  // namespace
 
 std::vector<World> Worlds() {
-  return {{"", 5, {"0x", "0X", "0", "1", ".", ".0", "a", "A", "\xFF", "|"}}};
+  return {{"", 5, {"0x", "0X", "0", "1", ".", ".0", "a", "A", "\x11", "\xFF", "|"}}};
 }
 
 void Check(std::string input) {
