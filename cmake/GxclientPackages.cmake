@@ -68,12 +68,9 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
   ${CMAKE_CURRENT_LIST_DIR}/debian/triggers
   ${CMAKE_CURRENT_LIST_DIR}/debian/postinst
   ${CMAKE_CURRENT_LIST_DIR}/debian/postrm)
-# Before version 1, every version may change the interface.
+# A client needs the version that it was linked with, or a later one of the same SOVERSION.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY >=)
-if(PROJECT_VERSION_MAJOR EQUAL 0)
-  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY =)
-endif()
 
 set(CPACK_DEBIAN_DEV_DESCRIPTION "utility functions of the gxclient client (development files)
 ${common_description}
