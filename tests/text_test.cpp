@@ -1,6 +1,5 @@
 // What fuzz/ cannot show of the functions of texts: memory exhausted, null and impossible arguments.
 
-#include <list>
 #include <stdexcept>
 #include <vector>
 
@@ -44,15 +43,6 @@ TEST(StringLines, KeepsTheTailWhenMemoryIsExhausted) {
 TEST(CompareVersions, ThrowsForANullVersion) {
   EXPECT_THROW(GXUtils::CompareVersions(nullptr, "1"), std::logic_error);
   EXPECT_THROW(GXUtils::CompareVersions("1", nullptr), std::logic_error);
-}
-
-TEST(EncodeStringList, CountsManyEscapes) {  // more than the counters hold in one go
-  const std::string element(100000, ',');
-  const std::string text = GXUtils::EncodeStringList({element, element}, ',');
-  EXPECT_EQ(text.size(), 400002U);
-  std::list<std::string> decoded;
-  EXPECT_TRUE(GXUtils::DecodeStringList(text, &decoded, ','));
-  EXPECT_EQ(decoded, (std::list<std::string>{element, element}));
 }
 
 TEST(Base64Encode, RefusesALengthThatCannotBe) {
