@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Follows a section of a transcript of gxutil: runs its commands, each in an empty directory below
 # /tmp, and compares what they print. In a transcript "$ " begins a command and "> " goes on with it;
-# the other lines are what it prints on both streams. (no-eol) stands behind an output that does not
-# end with a line feed, an exit status other than 0 below it in brackets. "# NAME: " begins a section;
-# in the manual page the examples are one.
+# the other lines are what it prints on both streams; a single line may stand behind it, after " => ".
+# (no-eol) stands behind an output that does not end with a line feed, an exit status other than 0
+# below it in brackets. "# NAME: " begins a section; in the manual page the examples are one.
 # usage: session.sh TRANSCRIPT SECTION DIRECTORY_OF_GXUTIL
 set -euo pipefail
 exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-  # what the caller left open
-export LC_ALL=C.UTF-8 PATH=$3:$PATH
+export LC_ALL=C.UTF-8 PATH=$3:$PATH gxutil=$3/gxutil
 unset LANGUAGE
 work=$(mktemp -d /tmp/gxutil.XXXXXX)
 trap 'rm -rf "$work"' EXIT
@@ -22,10 +22,11 @@ section() {
 
 run() {
   [ -n "$1" ] || return 0
-  printf '$ %s\n' "${1//$'\n'/$'\n> '}"
+  local command=${1% => *} end=$'\n' status=0
+  [ "$command" = "$1" ] || end=' => '
+  printf '$ %s%s' "${command//$'\n'/$'\n> '}" "$end"
   mkdir "$work/empty"
-  local status=0
-  (cd "$work/empty" && exec bash -c "$1") >"$work/output" 2>&1 </dev/null || status=$?
+  (cd "$work/empty" && exec bash -c "$command") >"$work/output" 2>&1 </dev/null || status=$?
   rm -rf "$work/empty"
   cat "$work/output"
   [ ! -s "$work/output" ] || [ -z "$(tail -c 1 "$work/output")" ] || echo ' (no-eol)'
