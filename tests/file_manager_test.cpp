@@ -1,7 +1,9 @@
 // The desktop is made of a stand-in for its programs, desktop/program.
 
-#include <fstream>
+#include <cstring>
 #include <vector>
+
+#include <poll.h>
 
 #include "harness/harness.h"
 #include "internal/descriptor.h"
@@ -25,7 +27,7 @@ struct Desktop {
   int status;
   const char *called, *path;  // s: dbus-send, x: xdg-open; `path` is a directory that has them
   std::vector<const char*> environment;
-  const char* does = "";  // what the programs do, in the terms of the stand-in desktop/program
+  const char* does = "";  // what dbus-send does, in the terms of the stand-in
   const char* call = "";  // is interrupted or fails with EINTR: the first one,
   int runs = 1;           // in a second run the second one, ...
 };
@@ -38,6 +40,7 @@ const Desktop kDesktops[] = {
     {"the time limit", 3, "s", "sx", {kBus, kDisplay}, "kill -ALRM $$"},
     {"killed", 0, "sx", "sx", {kBus, kDisplay}, "kill -KILL $$"},
     {"another error", 0, "sx", "sx", {kBus, "WAYLAND_DISPLAY=wayland-0"}, "refuse"},
+    {"something left behind that holds the error output", 2, "s", "s", {kBus}, "live & exit 1"},
     {"no display", 2, "s", "sx", {kBus}, "refuse"},
     {"no xdg-open", 2, "s", "s", {kBus, kDisplay}, "refuse"},
     {"no dbus-send", 0, "x", "x", {kBus, kDisplay}},
@@ -60,10 +63,12 @@ const Desktop kDesktops[] = {
 const Desktop kRefusing = {"any item", 0, "sx", "sx", {kBus, kDisplay}, "refuse"};
 const Desktop kNothingThere = {"nothing", 1, "", "sx", {kDisplay}};
 
-// Shows an item on a desktop, whose programs write to `calls`, and xdg-open lives on until its
-// gate opens: it is not waited for.
+// Named pipes: the programs write to the first one; xdg-open, and what is left behind, lives until
+// the second one has a line for it.
+GXSupport::UniqueFd calls, gate;
+
 void Show(const Desktop& desktop, const std::string& item, const std::string& uri,
-          const std::string& directory, std::FILE* calls) {
+          const std::string& directory) {
   (void)clearenv();
   for (const char* variable : desktop.environment) (void)putenv(const_cast<char*>(variable));
   (void)setenv("PATH", desktop.path, 1);
@@ -77,12 +82,15 @@ void Show(const Desktop& desktop, const std::string& item, const std::string& ur
       EXPECT_EQ(osxShowInFileManager(item), desktop.status);
     }
     for (const char program : std::string(desktop.called)) {
-      char called[1000] = "";  // not through a stream: some wait for more than a line
-      EXPECT_EQ(std::fgets(called, sizeof called, calls), called);
-      EXPECT_EQ(called,
-                (program == 's' ? kAsk + uri + " string:" : "xdg-open " + directory) + "\n");
-      if (program == 'x') std::ofstream("gate");
+      const std::string call =
+          (program == 's' ? kAsk + uri + " string:" : "xdg-open " + directory) + "\n";
+      std::string called(call.size(), '?');
+      pollfd ready = {calls.Get(), POLLIN, 0};  // within ten seconds
+      if (poll(&ready, 1, 10000) == 1) (void)!read(ready.fd, called.data(), called.size());
+      EXPECT_EQ(called, call);
     }
+    const bool lives = std::strchr(desktop.called, 'x') || std::strstr(desktop.does, "live");
+    if (lives) (void)!write(gate.Get(), "\n", 1);
   }
 }
 
@@ -106,28 +114,25 @@ TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
   }
   create_symlink("../u/bus", "l/bus");
   create_symlink("/no/such", "l/such");
-  ASSERT_EQ(mknod("u/bus", S_IFSOCK | 0600, 0), 0);
+  ASSERT_EQ(mknod("u/bus", S_IFSOCK | 0600, 0) + mknod(kName.c_str(), S_IFREG, 0), 0);
   ASSERT_EQ(mkfifo("calls", 0600) + mkfifo("gate", 0600), 0);
-  std::ofstream{kName} << "";
-  std::FILE* calls = std::fopen("calls", "r+");
+  calls.Reset(open("calls", O_RDWR));
+  gate.Reset(open("gate", O_RDWR));
   const GXSupport::UniqueFd inherited(dup2(STDERR_FILENO, 900));
   // Whichever standard descriptors the client has closed.
   for (int closed = 0; closed < 8; ++closed) {
     EXPECT_TRUE(PassesInChild([&] {
       for (int fd = 0; fd < 3; ++fd) (void)((closed >> fd & 1) != 0 && close(fd));
       TakeSignals(closed % 3);
-      for (const Desktop& desktop : kDesktops) {
-        Show(desktop, kName, directory.Path(kEscapedName), top, calls);
-      }
-      Show(kRefusing, top + "/u/bus", top + "/u/bus", top + "/u", calls);
-      Show(kRefusing, top + "/l/such\0x"s, top + "/l/such", top + "/l", calls);
-      Show(kRefusing, "l//", top + "/l//", top, calls);
-      Show(kRefusing, "/", "/", "/", calls);
-      Show(kNothingThere, "missing", "", "", calls);
-      Show(kNothingThere, "", "", "", calls);
+      for (const Desktop& desktop : kDesktops) Show(desktop, kName, top + "/" + kEscapedName, top);
+      Show(kRefusing, top + "/u/bus", top + "/u/bus", top + "/u");
+      Show(kRefusing, top + "/l/such\0x"s, top + "/l/such", top + "/l");
+      Show(kRefusing, "l//", top + "/l//", top);
+      Show(kRefusing, "/", "/", "/");
+      Show(kNothingThere, "missing", "", "");
+      Show(kNothingThere, "", "", "");
     })) << closed;
   }
-  (void)std::fclose(calls);
   current_path("/");
 }
 
