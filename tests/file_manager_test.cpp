@@ -106,7 +106,7 @@ void TakeSignals(int way) {
 TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
   using namespace std::filesystem;
   const TempDir directory;
-  const std::string top = directory.Path();
+  const std::string top = directory.path;
   current_path(top);
   for (const char* name : {"s", "x", "sx", "u", "l"}) create_directory(name);
   for (const char* name : {"s/dbus-send", "sx/dbus-send", "x/xdg-open", "sx/xdg-open"}) {

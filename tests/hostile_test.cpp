@@ -336,12 +336,12 @@ TEST(Hostile, FullAndReadOnlyTmp) {
 
 TEST(Hostile, SingleByteLocale) {
   const TempDir directory;
-  const std::string make = "localedef -f ISO-8859-1 -i de_DE " + directory.Path("latin1");
+  const std::string make = "localedef -f ISO-8859-1 -i de_DE " + directory.path + "/latin1";
   if (std::system((make + " >/dev/null 2>&1").c_str()) != 0) {
     GTEST_SKIP() << "needs localedef and the character maps of the package locales";
   }
   EXPECT_TRUE(PassesInChild([&] {
-    (void)setenv("LOCPATH", directory.Path().c_str(), 1);
+    (void)setenv("LOCPATH", directory.path.c_str(), 1);
     (void)setenv("HOME", "/", 1);
     (void)setenv("LOGNAME", "Zo\xEB", 1);
     ASSERT_NE(std::setlocale(LC_ALL, "latin1"), nullptr);

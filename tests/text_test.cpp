@@ -1,13 +1,10 @@
 // What fuzz/ cannot show of the functions of texts: memory exhausted, null and impossible arguments.
 
 #include <stdexcept>
-#include <vector>
 
 #include "harness/harness.h"
 
 namespace {
-
-using Strings = std::vector<std::string>;
 
 TEST(DecodeStringListDeathTest, StopsOnANullOutputInEveryBuild) {
   EXPECT_DEATH(GXUtils::DecodeStringList("a", nullptr, ','), "Assertion.*output");
@@ -15,28 +12,20 @@ TEST(DecodeStringListDeathTest, StopsOnANullOutputInEveryBuild) {
 
 TEST(StringLines, KeepsTheTailWhenMemoryIsExhausted) {
   const std::string part(50, 'p');  // too long to be kept without an allocation
-  const struct {
-    std::string tail, chunk;
-    Strings lines;
-    std::string left;
-  } cases[] = {
-      {part, part, {}, part + part},
-      {part, part + "\r\n" + part + "\n" + part + part, {part + part, part}, part + part},
-      {part + "\n" + part, part + "\n" + part, {part, part + part}, part},
-  };
-  for (const auto& c : cases) {
-    std::string tail = c.tail;
-    Strings lines;
-    for (int nth = 1; tail == c.tail; ++nth) {
+  const std::pair<std::string, std::string> cases[] = {
+      {part, part},
+      {part, part + "\r\n" + part + "\n" + part + part},
+      {part + "\n" + part, part + "\n" + part}};
+  for (const auto& [before, chunk] : cases) {
+    std::string tail = before;
+    for (int nth = 1; tail == before; ++nth) {  // until it succeeds
       try {
         const Failing allocation("new", nth, ENOMEM);
-        lines = GXUtils::StringLines(c.chunk.c_str(), &tail);
+        (void)GXUtils::StringLines(chunk.c_str(), &tail);
       } catch (const std::bad_alloc&) {
-        EXPECT_EQ(tail, c.tail);
+        ASSERT_EQ(tail, before);
       }
     }
-    EXPECT_EQ(tail, c.left);
-    EXPECT_EQ(lines, c.lines);
   }
 }
 

@@ -1,9 +1,7 @@
 #include "harness/harness.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <new>
 
 #include <iconv.h>
@@ -39,6 +37,9 @@ WRAP(passwd*, getpwnam, (const char* name), (name), (lookedUp = name, fakePasswd
 WRAP(passwd*, getpwuid, (uid_t user), (user), (lookedUp = std::to_string(user), fakePasswd))
 WRAP(char*, strerror, (int error), (error), fakeErrorText.data())
 WRAP(std::FILE*, fopen, (const char* path, const char* mode), (path, mode), fakeFile)
+// Says how long the limit is, and sets none.
+WRAP(unsigned, alarm, (unsigned seconds), (seconds),
+     static_cast<unsigned>(dprintf(STDERR_FILENO, "alarm %u\n", seconds)))
 // The two variadic ones: no call in the module passes more than these, nor anything but integers.
 WRAP(int, fcntl, (int fd, int command, long argument), (fd, command, argument), -1)
 WRAP(long, syscall, (long number, long a, long b, long c), (number, a, b, c), -1)

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <utility>
@@ -17,7 +19,6 @@
 
 #include "gxclient_util.h"
 #include "harness/log.h"
-#include "harness/tempdir.h"
 
 struct passwd;
 
@@ -48,6 +49,14 @@ inline passwd* fakePasswd = nullptr;
 inline std::string lookedUp;  ///< the name or user id that was asked for
 inline std::FILE* fakeFile = nullptr;
 inline std::string fakeErrorText;
+
+/// An empty directory, removed with all that is in it when it goes out of scope.
+struct TempDir {
+  TempDir() { (void)!mkdtemp(path.data()); }
+  ~TempDir() { (void)std::filesystem::remove_all(path); }
+  TempDir& operator=(TempDir&&) = delete;  // neither copied nor moved
+  std::string path = "/tmp/gxclient_test.XXXXXX";
+};
 
 /// A handler for SIGCHLD that leaves no child to anybody else.
 void ReapAll(int signal);
