@@ -94,12 +94,13 @@ void Show(const Desktop& desktop, const std::string& item, const std::string& ur
   }
 }
 
-// Whatever the client does about signals; SIGCHLD in one of three ways.
+// Whatever the client does about signals: SIGCHLD in one of three ways, the others blocked.
 void TakeSignals(int way) {
   (void)std::signal(SIGCHLD, way == 0 ? SIG_DFL : way == 1 ? SIG_IGN : ReapAll);
   (void)std::signal(SIGALRM, SIG_IGN);
   sigset_t all;
   sigfillset(&all);
+  sigdelset(&all, SIGCHLD);
   (void)sigprocmask(SIG_BLOCK, &all, nullptr);
 }
 

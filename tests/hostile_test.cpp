@@ -7,8 +7,6 @@
 #include <thread>
 
 #include <sched.h>
-#include <sys/mount.h>
-#include <sys/resource.h>
 
 #include "harness/harness.h"
 #include "internal/descriptor.h"
@@ -16,7 +14,6 @@
 #include "support/gxexception.h"
 
 using namespace std::string_literals;
-using GXUtils::CheckCreateDir;
 using GXUtils::GenerateTempFile;
 using GXUtils::System;
 using GXUtils::SystemNowait;
@@ -37,6 +34,12 @@ void OnSigchld(void (*handler)(int), int flags) {
   action.sa_flags = flags;
   sigaddset(&action.sa_mask, SIGUSR1);
   (void)sigaction(SIGCHLD, &action, nullptr);
+}
+
+void BlockAllSignals() {
+  sigset_t all;
+  sigfillset(&all);
+  (void)sigprocmask(SIG_SETMASK, &all, nullptr);
 }
 
 // Both runners with a program that works and one that is missing.
@@ -74,12 +77,7 @@ TEST(Hostile, RunnersWorkInEveryState) {
       {"SIGCHLD ignored", [] { OnSigchld(SIG_IGN, 0); }},
       {"no zombies", [] { OnSigchld(SIG_DFL, SA_NOCLDWAIT); }},
       {"every child reaped", [] { OnSigchld(ReapAll, SA_RESTART); }},
-      {"all signals blocked",
-       [] {
-         sigset_t all;
-         sigfillset(&all);
-         (void)sigprocmask(SIG_SETMASK, &all, nullptr);
-       }},
+      {"all signals blocked", BlockAllSignals},
       {"no close_range", [] { static const Failing refused("syscall", 1, EPERM); }},
   };
   for (const auto& [state, enter] : states) {
@@ -95,11 +93,7 @@ TEST(Hostile, RunnersWorkInEveryState) {
 }
 
 TEST(Hostile, AFailedCallOfARunnerHasItsResult) {
-  constexpr char kKilled[] = "sh -c \"printf x; kill -9 $$\"";
-  constexpr char kExits127[] = "sh -c \"printf x; exit 127\"";
-  constexpr char kIgnoresPipe[] = "sh -c \"trap '' PIPE; printf x 2>&-; exit 3\"";
   const struct {
-    const char* what;
     bool detached;
     const char *command, *call;
     int first, last;   // each of these calls fails once
@@ -107,28 +101,27 @@ TEST(Hostile, AFailedCallOfARunnerHasItsResult) {
     const char* text;  // output, exception and standard error
     int status = kUnwritten, children = 0;
   } cases[] = {
-      {"action", false, "true", "sigaction", 1, 1, -1, "Error: sigaction() failed\n"},
-      {"pipe", false, "true", "pipe", 1, 1, -1, "Error: pipe() failed\n"},
-      {"close-on-exec", false, "true", "fcntl", 1, 4, -1, "Error: pipe() failed\n"},
-      {"fork", false, "true", "fork", 1, 1, -1, "Error: fork() failed\n"},
-      {"wait", false, "printf x", "waitpid", 1, 1, -1, "x", kUnwritten, 1},
-      {"action back", false, kKilled, "sigaction", 2, 2, -1,
-       "xError: sigaction() restore failed\n"},
-      {"read", false, kIgnoresPipe, "read", 1, 1, 0, "", 3},
-      {"empty command", false, "", "", 0, 0, 6, "Empty command"},
-      {"log", false, kExits127, "", 0, 0, kUnwritten, "xthe log failed", 127},
-      {"pipe", true, "true", "pipe", 1, 3, -1, ""},
-      {"close-on-exec", true, "true", "fcntl", 1, 12, -1, ""},
-      {"fork", true, "true", "fork", 1, 1, -1, ""},
-      {"read of the report", true, "true", "read", 1, 1, -2, "", kUnwritten, 1},
-      {"wait for a failed start", true, "no-such-program", "waitpid", 1, 1, -2, ""},
-      {"empty command", true, "", "", 0, 0, 11, "Empty command"},
+      {false, "true", "sigaction", 1, 1, -1, "Error: sigaction() failed\n"},
+      {false, "printf x", "sigaction", 2, 2, -1, "xError: sigaction() restore failed\n"},
+      {false, "true", "pipe", 1, 1, -1, "Error: pipe() failed\n"},
+      {false, "true", "fcntl", 1, 4, -1, "Error: pipe() failed\n"},
+      {false, "true", "fork", 1, 1, -1, "Error: fork() failed\n"},
+      {false, "printf x", "waitpid", 1, 1, -1, "x", kUnwritten, 1},
+      {false, "sh -c \"trap '' PIPE; printf x 2>&-; exit 3\"", "read", 1, 1, 0, "", 3},
+      {false, "sh -c \"printf x; exit 127\"", "", 0, 0, kUnwritten, "xthe log failed", 127},
+      {false, "", "", 0, 0, 6, "Empty command"},
+      {true, "true", "pipe", 1, 3, -1, ""},
+      {true, "true", "fcntl", 1, 12, -1, ""},
+      {true, "true", "fork", 1, 1, -1, ""},
+      {true, "true", "read", 1, 1, -2, "", kUnwritten, 1},
+      {true, "no-such-program", "waitpid", 1, 1, -2, ""},
+      {true, "", "", 0, 0, 11, "Empty command"},
   };
   const auto doNothing = [](int) {};
   logThrows = true;
   for (const auto& c : cases) {
     for (int nth = c.first; nth <= c.last; ++nth) {
-      SCOPED_TRACE(testing::Message() << c.what << ", detached " << c.detached << ", " << nth);
+      SCOPED_TRACE(testing::Message() << c.detached << " " << c.command << ": " << c.call << nth);
       OnSigchld(doNothing, SA_NOCLDSTOP | SA_NODEFER);
       const LeakCheck leaks;
       std::string text;
@@ -188,42 +181,20 @@ TEST(Hostile, AFailedStartWritesItsErrorAlone) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), std::strerror(ENOENT) + "\nwaits for the end"s);
 }
 
-// A full pipe that nobody reads, in a PID namespace too, where the default action ends no process 1.
+// A full pipe that nobody reads; where that is allowed, in a PID namespace, whose process 1 no
+// default action ends.
 TEST(Hostile, AChildThatCannotWriteItsErrorEnds) {
-  for (const int flags : {0, CLONE_NEWPID}) {
-    if (!PassesInChild([flags] { _exit(unshare(flags) == 0 ? 0 : 1); })) {
-      GTEST_SKIP() << "the rest needs the right to make a namespace";
-    }
-    GXSupport::Pipe error;
-    ASSERT_TRUE(error.Open());
-    (void)fcntl(error.writeEnd.Get(), F_SETFL, O_NONBLOCK);
-    while (write(error.writeEnd.Get(), "full", 4) > 0) continue;
-    (void)fcntl(error.writeEnd.Get(), F_SETFL, 0);
-    EXPECT_TRUE(PassesInChild([&] {
-      (void)dup2(error.writeEnd.Get(), STDERR_FILENO);
-      (void)std::signal(SIGALRM, SIG_IGN);
-      EXPECT_EQ(unshare(flags), 0);
-      EXPECT_EQ(SystemNowait("no-such-program"), -2);
-    }));
-  }
-}
-
-TEST(Hostile, NoDescriptorLeft) {
-  EXPECT_TRUE(PassesInChild([] {
-    rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-    limit.rlim_cur = 3;  // not the other one, which valgrind refuses
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-    int fd = kUnwritten;
-    EXPECT_EQ(System("true"), -1);
-    EXPECT_EQ(SystemNowait("true", &fd), -1);
-    EXPECT_EQ(fd, kUnwritten);
-    EXPECT_EQ(GenerateTempFile("x", &fd), "");
-    EXPECT_EQ(fd, -1);
-    EXPECT_EQ(GXUtils::GetBogoMips(), -1);
-    for (const int standard : {0, 1}) close(standard);  // a pipe has room now, and has to move
-    EXPECT_EQ(System("true"), -1);
-    EXPECT_EQ(SystemNowait("true"), -1);
+  GXSupport::Pipe error;
+  ASSERT_TRUE(error.Open());
+  (void)fcntl(error.writeEnd.Get(), F_SETFL, O_NONBLOCK);
+  while (write(error.writeEnd.Get(), "full", 4) > 0) continue;
+  (void)fcntl(error.writeEnd.Get(), F_SETFL, 0);
+  EXPECT_TRUE(PassesInChild([&] {
+    (void)dup2(error.writeEnd.Get(), STDERR_FILENO);
+    (void)std::signal(SIGALRM, SIG_IGN);
+    BlockAllSignals();
+    (void)unshare(CLONE_NEWPID);
+    EXPECT_EQ(SystemNowait("no-such-program"), -2);
   }));
 }
 
@@ -235,9 +206,8 @@ struct Exports : std::vector<Exportdata*> {
 
 void Start(const char* command) {
   int fds[2] = {-1, -1};
-  const int pid = SystemNowait(command, &fds[0], &fds[1]);
+  (void)SystemNowait(command, &fds[0], &fds[1]);
   for (const int fd : fds) close(fd);
-  if (pid > 0) (void)waitpid(pid, nullptr, 0);
 }
 
 TEST(Hostile, AnyCallMayFailAndNothingStaysBehind) {
@@ -271,11 +241,10 @@ TEST(Hostile, AnyCallMayFailAndNothingStaysBehind) {
             call();
             failed = fault.Happened();
           } catch (const std::bad_alloc&) {
-            EXPECT_STREQ(name, "new");
+            ASSERT_LT(nth, 300) << "it never succeeds";
+            continue;
           }
-          // After a failed wait or a failed read of the status pipe the child is nobody's.
-          while (name != "new"s && waitpid(-1, nullptr, 0) > 0) continue;
-          ASSERT_LT(nth, 300);
+          while (waitpid(-1, nullptr, 0) > 0) continue;  // what was started, or could not be told
         }
       }
     }
@@ -291,8 +260,8 @@ TEST(Hostile, ThreadsDoNotDisturbEachOther) {
       while (!done) work();
     });
   };
-  for (const std::string& mine : {std::string(50, 'a'), std::string(50, 'b')}) {
-    repeat([mine] {
+  for (const char letter : {'a', 'b'}) {
+    repeat([mine = std::string(50, letter)] {
       EXPECT_EQ(GXUtils::Transcode("UTF-8", "ISO-8859-1", mine), mine);
       EXPECT_NE(GXUtils::Which("sh"), "");
       EXPECT_EQ(GXUtils::UnlinkOrTruncate(GenerateTempFile(mine, nullptr).c_str()), 0);
@@ -314,26 +283,6 @@ TEST(Hostile, ThreadsDoNotDisturbEachOther) {
   for (std::thread& thread : threads) thread.join();
 }
 
-TEST(Hostile, FullAndReadOnlyTmp) {
-  if (std::system("unshare -m mount -t tmpfs none /tmp 2>/dev/null") != 0) {
-    GTEST_SKIP() << "needs the right to mount";
-  }
-  EXPECT_TRUE(PassesInChild([] {
-    ASSERT_EQ(unshare(CLONE_NEWNS), 0);
-    ASSERT_EQ(mount("none", "/", "", MS_REC | MS_PRIVATE, nullptr), 0);
-    ASSERT_EQ(mount("none", "/tmp", "tmpfs", 0, "nr_inodes=2"), 0);
-    EXPECT_NE(GenerateTempFile("last", nullptr), "");
-    for (const int error : {ENOSPC, EROFS}) {
-      int fd = kUnwritten;
-      EXPECT_EQ(GenerateTempFile("x", &fd), "");
-      EXPECT_EQ(fd, -1);
-      EXPECT_FALSE(CheckCreateDir("/tmp/a/b", true));
-      EXPECT_EQ(errno, error);
-      ASSERT_EQ(mount("none", "/tmp", "", MS_REMOUNT | MS_RDONLY, nullptr), 0);
-    }
-  }));
-}
-
 TEST(Hostile, SingleByteLocale) {
   const TempDir directory;
   const std::string make = "localedef -f ISO-8859-1 -i de_DE " + directory.path + "/latin1";
@@ -342,16 +291,11 @@ TEST(Hostile, SingleByteLocale) {
   }
   EXPECT_TRUE(PassesInChild([&] {
     (void)setenv("LOCPATH", directory.path.c_str(), 1);
-    (void)setenv("HOME", "/", 1);
     (void)setenv("LOGNAME", "Zo\xEB", 1);
     ASSERT_NE(std::setlocale(LC_ALL, "latin1"), nullptr);
     EXPECT_EQ(GXUtils::Transcode("UTF-8", "", "Zoë"), "Zo\xEB");
     EXPECT_EQ(GXUtils::ToLower("ÄΩ"), "äω");
     EXPECT_EQ(GXUtils::calcRunningUser(), "Zoë");
-    const Failing unknown("getpwnam", 1, 0);
-    const Failing refused("mkdir", 1, EACCES);
-    EXPECT_EQ(GXUtils::calcHomeDir("Zoë"), "/root");
-    EXPECT_EQ(lookedUp, "Zo\xEB");
   }));
 }
 
