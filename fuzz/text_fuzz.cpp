@@ -1,5 +1,7 @@
 // Input: pattern|replacement|text. StringLines() gets the first field as what is pending and the
-// others as chunks.
+// others as chunks; the first two fields are compared.
+
+#include <cctype>
 
 #include "fuzz.h"
 
@@ -17,11 +19,10 @@ std::string Replaced(std::string text, const char* pattern, const char* replacem
 
 // Joined, replaced and cut, a chunk at a time.
 void CheckLines(const Strings& fields) {
-  std::string pending;
-  std::string buffer;
-  for (const std::string& field : fields) {
-    if (&field == &fields[0]) pending = buffer = field;
-    const char* chunk = &field == &fields[0] ? "" : field.c_str();
+  std::string pending = fields[0];
+  std::string buffer = fields[0];
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const char* chunk = i == 0 ? "" : fields[i].c_str();
     Strings lines = Split(Replaced(buffer + chunk, "\r\n", "\n"), '\n');
     buffer = lines.back();
     lines.pop_back();
@@ -38,11 +39,38 @@ void CheckReplace(std::string text, const char* pattern, const char* replacement
   assert(GXUtils::ReplaceInString(text, pattern, replacement) == expected && text == expected);
 }
 
+template <class T>
+int Order(const T& first, const T& second) {
+  return (second < first) - (first < second);
+}
+
+// What the longer version has more counts, but for "0" at its end.
+int OrderVersions(Strings first, Strings second) {
+  while (first.size() > second.size() && first.back() == "0") first.pop_back();
+  while (second.size() > first.size() && second.back() == "0") second.pop_back();
+  return Order(first, second);
+}
+
+// The number of digits that count, and the digits.
+std::pair<std::size_t, std::string> Number(std::string text) {
+  if (text.rfind("0x", 0) == 0) text.erase(0, 2);
+  text.erase(0, text.find_first_not_of('0'));
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return {text.size(), text};
+}
+
+void CheckOrder(const char* first, const char* second) {
+  const int versions = OrderVersions(Split(first, '.'), Split(second, '.'));
+  assert(Order(GXUtils::CompareVersions(first, second), 0) == versions);
+  assert(GXUtils::CompareHexStrings(first, second) == Order(Number(first), Number(second)));
+}
+
 }  // namespace
 
 // Patterns above 16 bytes are searched in another way.
 std::vector<World> Worlds() {
-  return {{"", 7, {"a", "\xFF", "|", "aaaaaaaaaaaaaaaa\xFF"}},
+  return {{"", 5, {"0x", "0X", "0", "1", ".", ".0", "a", "A", "\xFF", "|"}},
+          {"", 7, {"a", "\xFF", "|", "aaaaaaaaaaaaaaaa\xFF"}},
           {"", 7, {"\r", "\n", "a", "|"}},
           {"a", 1, EveryByte()}};
 }
@@ -57,6 +85,8 @@ void Check(std::string input) {
   CheckLines(fields);
   fields.resize(std::max<std::size_t>(fields.size(), 3));
   CheckReplace(fields[2], fields[0].c_str(), fields[1].c_str());
+  CheckOrder(fields[0].c_str(), fields[1].c_str());
+  CheckOrder(fields[1].c_str(), fields[0].c_str());
 
   // Both taken from the text itself.
   const std::string doubled = Replaced(input, &input[half], input.c_str());

@@ -17,14 +17,10 @@ void Show(int fd, const std::string& text) {
   (void)dprintf(fd, "\"\n");
 }
 
-void CheckAll(const World& world, std::size_t left) {
-  Check(input);
-  if (left == 0) return;
-  const std::size_t size = input.size();
+void CheckAll(const World& world, std::size_t left, const std::string& text) {
+  Check(input = text);
   for (const std::string& token : world.tokens) {
-    input += token;
-    CheckAll(world, left - 1);
-    input.resize(size);
+    if (left > 0) CheckAll(world, left - 1, text + token);
   }
 }
 
@@ -33,11 +29,9 @@ void CheckAll(const World& world, std::size_t left) {
 int main(int count, char**) {
   (void)std::signal(SIGABRT, [](int) { Show(STDERR_FILENO, input); });
   for (const World& world : Worlds()) {
-    input = world.start;
-    if (count == 1) {
-      CheckAll(world, world.count);
-      continue;
+    if (count == 1) CheckAll(world, world.count, world.start);
+    for (const std::string& token : world.tokens) {
+      if (count > 1) Show(STDOUT_FILENO, token);
     }
-    for (const std::string& token : world.tokens) Show(STDOUT_FILENO, token);
   }
 }
