@@ -69,7 +69,7 @@ void CheckOrder(const char* first, const char* second) {
 
 // Patterns above 16 bytes are searched in another way.
 std::vector<World> Worlds() {
-  return {{"", 5, {"0x", "0X", "0", "1", ".", ".0", "a", "A", "\xFF", "|"}},
+  return {{"", 5, {"0x", "0X", "0", "1", ".", ".0", "a", "A", "\x11", "\xFF", "|"}},
           {"", 7, {"a", "\xFF", "|", "aaaaaaaaaaaaaaaa\xFF"}},
           {"", 7, {"\r", "\n", "a", "|"}},
           {"a", 1, EveryByte()}};

@@ -9,8 +9,6 @@ using namespace std::string_literals;
 using GXUtils::ToLower;
 using GXUtils::Transcode;
 
-namespace {
-
 const std::string kUnable = "2 iconv: Unable to convert from ";
 const std::string kFallback = "2 iconv: Using ASCII truncation fallback\n";
 
@@ -72,5 +70,3 @@ TEST(ToLower, HasNoFallback) {
     EXPECT_EQ(logged, kUnable + (back ? "UCS-2LE to UTF-8\n" : "UTF-8 to UCS-2LE\n"));
   }
 }
-
-}  // namespace

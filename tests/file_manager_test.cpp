@@ -105,18 +105,14 @@ void TakeSignals(int way) {
 }
 
 TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
-  using namespace std::filesystem;
   const TempDir directory;
   const std::string top = directory.path;
-  current_path(top);
-  for (const char* name : {"s", "x", "sx", "u", "l"}) create_directory(name);
-  for (const char* name : {"s/dbus-send", "sx/dbus-send", "x/xdg-open", "sx/xdg-open"}) {
-    create_symlink(DESKTOP "/program", name);
-  }
-  create_symlink("../u/bus", "l/bus");
-  create_symlink("/no/such", "l/such");
+  std::filesystem::current_path(top);
+  ASSERT_EQ(std::system("mkdir s x sx u l && mkfifo calls gate && ln -s ../u/bus /no/such l &&"
+                        "for program in s/dbus-send sx/dbus-send x/xdg-open sx/xdg-open; do"
+                        "  ln -s '" DESKTOP "/program' $program; done"),
+            0);
   ASSERT_EQ(mknod("u/bus", S_IFSOCK | 0600, 0) + mknod(kName.c_str(), S_IFREG, 0), 0);
-  ASSERT_EQ(mkfifo("calls", 0600) + mkfifo("gate", 0600), 0);
   calls.Reset(open("calls", O_RDWR));
   gate.Reset(open("gate", O_RDWR));
   const GXSupport::UniqueFd inherited(dup2(STDERR_FILENO, 900));
@@ -134,7 +130,7 @@ TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
       Show(kNothingThere, "", "", "");
     })) << closed;
   }
-  current_path("/");
+  std::filesystem::current_path("/");
 }
 
 }  // namespace

@@ -7,9 +7,7 @@
 
 #include "harness/harness.h"
 
-namespace {
-
-struct sigaction seen {};
+static struct sigaction seen {};
 
 TEST(System, HasTheDefaultActionForSigchldWhileItRuns) {
   (void)std::signal(SIGUSR1, [](int) { (void)sigaction(SIGCHLD, nullptr, &seen); });
@@ -81,5 +79,3 @@ TEST(CloseAllFds, ClosesExactlyItsRange) {
     }
   }
 }
-
-}  // namespace

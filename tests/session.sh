@@ -33,18 +33,16 @@ run() {
   [ "$status" = 0 ] || echo "[$status]"
 }
 
-follow() {
-  local command='' line
+section "$1" "$2" >"$work/expected"
+[ -s "$work/expected" ]
+command=
+{
   while IFS= read -r line; do
     case $line in
       '$ '*) run "$command"; command=${line#??} ;;
       '> '*) command+=$'\n'${line#??} ;;
     esac
-  done
+  done <"$work/expected"
   run "$command"
-}
-
-section "$1" "$2" >"$work/expected"
-[ -s "$work/expected" ]
-follow <"$work/expected" >"$work/actual"
+} >"$work/actual"
 diff "$work/expected" "$work/actual"

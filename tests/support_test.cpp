@@ -11,8 +11,6 @@
 using namespace std::string_literals;
 
 // The parser is a target in fuzz/. The log is the real one, which the other tests replace.
-namespace {
-
 TEST(Logfile, WritesOneLineACallFromAnyThread) {
   testing::internal::CaptureStderr();
   const std::string filler(5000, 'm');
@@ -40,5 +38,3 @@ TEST(ArgVector, BuildsAnArrayThatStays) {
   EXPECT_EQ(array[0] + "|"s + array[1] + "|" + array[2], "a||c");
   EXPECT_EQ(array[3], nullptr);
 }
-
-}  // namespace

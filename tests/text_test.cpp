@@ -4,8 +4,6 @@
 
 #include "harness/harness.h"
 
-namespace {
-
 TEST(DecodeStringListDeathTest, StopsOnANullOutputInEveryBuild) {
   EXPECT_DEATH(GXUtils::DecodeStringList("a", nullptr, ','), "Assertion.*output");
 }
@@ -40,5 +38,3 @@ TEST(Base64Encode, RefusesALengthThatCannotBe) {
     EXPECT_THROW(GXUtils::Base64Encode(nullptr, size), std::length_error);
   }
 }
-
-}  // namespace
