@@ -92,6 +92,5 @@ bool PassesInChild(const std::function<void()>& body) {
     GXSupport::LeaveChild(testing::Test::HasFailure() ? 1 : 0);
   }
   int status = -1;
-  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) continue;
-  return status == 0;
+  return waitpid(pid, &status, 0) == pid && status == 0;
 }
