@@ -13,6 +13,7 @@ using namespace std::string_literals;
 
 namespace {
 
+const TempDir kTop;  // where the test works
 const std::string kName = "a-z_A.Z~09@[`{: ,'\"%41\\\nü\xFF";
 const std::string kEscapedName = "a-z_A.Z~09%40%5B%60%7B%3A%20%2C%27%22%2541%5C%0A%C3%BC%FF";
 const std::string kAsk =
@@ -21,6 +22,7 @@ const std::string kAsk =
 
 constexpr char kBus[] = "DBUS_SESSION_BUS_ADDRESS=x:";
 constexpr char kDisplay[] = "DISPLAY=:0";
+const std::vector<const char*> kBoth = {kBus, kDisplay};
 
 struct Desktop {
   const char* what;
@@ -30,20 +32,22 @@ struct Desktop {
   const char* does = "";  // what dbus-send does, in the terms of the stand-in
   const char* call = "";  // is interrupted or fails with EINTR: the first one,
   int runs = 1;           // in a second run the second one, ...
+  std::string item = kName, uri = "/" + kEscapedName;  // in kTop, but for an absolute one
+  std::string directory = "";
 };
 
 const Desktop kDesktops[] = {
-    {"an answer", 0, "s", "sx", {kBus, kDisplay}, "answer"},
-    {"no reply", 3, "s", "sx", {kBus, kDisplay}, "fail NoReply 'warning\n'"},
-    {"time-out", 3, "s", "sx", {kBus, kDisplay}, "fail Timeout"},
-    {"timed out", 3, "s", "sx", {kBus, kDisplay}, "fail TimedOut"},
-    {"the time limit", 3, "s", "sx", {kBus, kDisplay}, "kill -ALRM $$"},
-    {"killed", 0, "sx", "sx", {kBus, kDisplay}, "kill -KILL $$"},
+    {"an answer", 0, "s", "sx", kBoth, "answer"},
+    {"no reply", 3, "s", "sx", kBoth, "fail NoReply 'warning\n'"},
+    {"time-out", 3, "s", "sx", kBoth, "fail Timeout"},
+    {"timed out", 3, "s", "sx", kBoth, "fail TimedOut"},
+    {"the time limit", 3, "s", "sx", kBoth, "kill -ALRM $$"},
+    {"killed", 0, "sx", "sx", kBoth, "kill -KILL $$"},
     {"another error", 0, "sx", "sx", {kBus, "WAYLAND_DISPLAY=wayland-0"}, "refuse"},
     {"something left behind that holds the error output", 2, "s", "s", {kBus}, "live & exit 1"},
     {"no display", 2, "s", "sx", {kBus}, "refuse"},
-    {"no xdg-open", 2, "s", "s", {kBus, kDisplay}, "refuse"},
-    {"no dbus-send", 0, "x", "x", {kBus, kDisplay}},
+    {"no xdg-open", 2, "s", "s", kBoth, "refuse"},
+    {"no dbus-send", 0, "x", "x", kBoth},
     {"no bus", 0, "x", "sx", {kDisplay}},
     {"no such bus", 0, "x", "sx", {"XDG_RUNTIME_DIR=.", kDisplay}},
     {"an empty address", 0, "s", "sx", {"DBUS_SESSION_BUS_ADDRESS=", "XDG_RUNTIME_DIR=u"}},
@@ -59,31 +63,35 @@ const Desktop kDesktops[] = {
     {"fcntl for xdg-open", 2, "", "x", {kDisplay}, "", "fcntl", 2},
     {"fork for xdg-open", 2, "", "x", {kDisplay}, "", "fork", 2},
     {"read for xdg-open", 0, "x", "x", {kDisplay}, "", "read", 1},
+    {"a bus", 0, "sx", "sx", kBoth, "refuse", "", 1, "u/bus", "/u/bus", "/u"},
+    {"a link to nothing", 0, "sx", "sx", kBoth, "refuse", "", 1, "l/such\0x"s, "/l/such", "/l"},
+    {"slashes", 0, "sx", "sx", kBoth, "refuse", "", 1, "l//", "/l//"},
+    {"the root directory", 0, "sx", "sx", kBoth, "refuse", "", 1, "/", "/", "/"},
+    {"nothing", 1, "", "sx", {kDisplay}, "", "", 1, "missing"},
+    {"no name", 1, "", "sx", {kDisplay}, "", "", 1, ""},
 };
-const Desktop kRefusing = {"any item", 0, "sx", "sx", {kBus, kDisplay}, "refuse"};
-const Desktop kNothingThere = {"nothing", 1, "", "sx", {kDisplay}};
 
 // Named pipes: the programs write to the first one; xdg-open, and what is left behind, lives until
 // the second one has a line for it.
 GXSupport::UniqueFd calls, gate;
 
-void Show(const Desktop& desktop, const std::string& item, const std::string& uri,
-          const std::string& directory) {
+void Show(const Desktop& desktop) {
+  const std::string top = desktop.item[0] == '/' ? "" : kTop.path;
   (void)clearenv();
   for (const char* variable : desktop.environment) (void)putenv(const_cast<char*>(variable));
   (void)setenv("PATH", desktop.path, 1);
   (void)setenv("DOES", desktop.does, 1);
   (void)setenv("SESSION", std::to_string(getsid(0)).c_str(), 1);
   for (int nth = 1; nth <= desktop.runs; ++nth) {
-    SCOPED_TRACE(testing::Message() << desktop.what << " " << nth << ": " << item);
+    SCOPED_TRACE(testing::Message() << desktop.what << " " << nth);
     const LeakCheck leaks;
     {
       const Failing fault(desktop.call, nth, EINTR);
-      EXPECT_EQ(osxShowInFileManager(item), desktop.status);
+      EXPECT_EQ(osxShowInFileManager(desktop.item), desktop.status);
     }
     for (const char program : std::string(desktop.called)) {
-      const std::string call =
-          (program == 's' ? kAsk + uri + " string:" : "xdg-open " + directory) + "\n";
+      const std::string call = program == 's' ? kAsk + top + desktop.uri + " string:\n"
+                                              : "xdg-open " + top + desktop.directory + "\n";
       std::string called(call.size(), '?');
       pollfd ready = {calls.Get(), POLLIN, 0};  // within ten seconds
       if (poll(&ready, 1, 10000) == 1) (void)!read(ready.fd, called.data(), called.size());
@@ -94,20 +102,8 @@ void Show(const Desktop& desktop, const std::string& item, const std::string& ur
   }
 }
 
-// Whatever the client does about signals: SIGCHLD in one of three ways, the others blocked.
-void TakeSignals(int way) {
-  (void)std::signal(SIGCHLD, way == 0 ? SIG_DFL : way == 1 ? SIG_IGN : ReapAll);
-  (void)std::signal(SIGALRM, SIG_IGN);
-  sigset_t all;
-  sigfillset(&all);
-  sigdelset(&all, SIGCHLD);
-  (void)sigprocmask(SIG_BLOCK, &all, nullptr);
-}
-
 TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
-  const TempDir directory;
-  const std::string top = directory.path;
-  std::filesystem::current_path(top);
+  std::filesystem::current_path(kTop.path);
   ASSERT_EQ(std::system("mkdir s x sx u l && mkfifo calls gate && ln -s ../u/bus /no/such l &&"
                         "for program in s/dbus-send sx/dbus-send x/xdg-open sx/xdg-open; do"
                         "  ln -s '" DESKTOP "/program' $program; done"),
@@ -116,21 +112,20 @@ TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
   calls.Reset(open("calls", O_RDWR));
   gate.Reset(open("gate", O_RDWR));
   const GXSupport::UniqueFd inherited(dup2(STDERR_FILENO, 900));
-  // Whichever standard descriptors the client has closed.
+  void (*const handlers[])(int) = {SIG_DFL, SIG_IGN, ReapAll};
+  sigset_t others;
+  sigfillset(&others);
+  sigdelset(&others, SIGCHLD);
+  // Whichever standard descriptors the client has closed, and whatever it does about signals.
   for (int closed = 0; closed < 8; ++closed) {
     EXPECT_TRUE(PassesInChild([&] {
       for (int fd = 0; fd < 3; ++fd) (void)((closed >> fd & 1) != 0 && close(fd));
-      TakeSignals(closed % 3);
-      for (const Desktop& desktop : kDesktops) Show(desktop, kName, top + "/" + kEscapedName, top);
-      Show(kRefusing, top + "/u/bus", top + "/u/bus", top + "/u");
-      Show(kRefusing, top + "/l/such\0x"s, top + "/l/such", top + "/l");
-      Show(kRefusing, "l//", top + "/l//", top);
-      Show(kRefusing, "/", "/", "/");
-      Show(kNothingThere, "missing", "", "");
-      Show(kNothingThere, "", "", "");
+      (void)std::signal(SIGCHLD, handlers[closed % 3]);
+      (void)std::signal(SIGALRM, SIG_IGN);
+      (void)sigprocmask(SIG_BLOCK, &others, nullptr);
+      for (const Desktop& desktop : kDesktops) Show(desktop);
     })) << closed;
   }
-  std::filesystem::current_path("/");
 }
 
 }  // namespace

@@ -47,13 +47,12 @@ TEST(CheckFileExecutable, AsksTheFirstClassThatTheRealIdsBelongTo) {
   } cases[] = {{0100, kUser, 0, true},  {0644, kUser, kGroup, false}, {0077, kUser, kGroup, false},
                {0010, 0, kGroup, true}, {0707, 0, kGroup, false},     {0701, 0, 0, true},
                {0776, 0, 0, false},     {0100, 0, 0, false}};
-  const TempDir directory;
-  const std::string path = directory.path;
+  const TempDir file;
   EXPECT_TRUE(PassesInChild([&] {
     ASSERT_EQ(setresgid(kGroup, 0, 0) + setresuid(kUser, 0, 0), 0);
     for (const auto& c : cases) {
-      ASSERT_EQ(chown(path.c_str(), c.owner, c.group) + chmod(path.c_str(), c.mode), 0);
-      EXPECT_EQ(GXUtils::CheckFileExecutable(path), c.executable) << c.mode << " " << c.owner;
+      ASSERT_EQ(chown(file.path.c_str(), c.owner, c.group) + chmod(file.path.c_str(), c.mode), 0);
+      EXPECT_EQ(GXUtils::CheckFileExecutable(file.path), c.executable) << c.mode << " " << c.owner;
     }
   }));
 }

@@ -33,8 +33,7 @@ TEST(CompareVersions, ThrowsForANullVersion) {
 }
 
 TEST(Base64Encode, RefusesALengthThatCannotBe) {
-  for (const unsigned long size :
-       {std::string().max_size() / 4 * 3 + 1, static_cast<std::size_t>(-1)}) {
+  for (const std::size_t size : {std::string().max_size() / 4 * 3 + 1, std::size_t{0} - 1}) {
     EXPECT_THROW(GXUtils::Base64Encode(nullptr, size), std::length_error);
   }
 }
