@@ -82,9 +82,9 @@ TEST(Hostile, RunnersWorkInEveryState) {
   };
   for (const auto& [state, enter] : states) {
     for (int closed = 0; closed < 8; ++closed) {  // whichever standard descriptors
-      EXPECT_TRUE(PassesInChild([&, enter = enter] {
+      EXPECT_TRUE(PassesInChild([&, enterState = enter] {
         for (int fd = 0; fd < 3; ++fd) (void)((closed >> fd & 1) != 0 && close(fd));
-        enter();
+        enterState();
         RunPrograms();
       })) << state
           << ", closed: " << closed;
