@@ -270,16 +270,17 @@ int CompareHexStrings(const char* first, const char* second);
 
 /// Converts text from one character encoding to another with iconv().
 ///
-/// The encodings are names that iconv_open() knows; the empty name is the locale's encoding.
-/// "UTF-16" and "UCS-2", spelt just so, mean little-endian code units without a byte order mark;
-/// every other name goes to iconv as it is. `outlen` bytes at `out` are set to zero, then the
-/// converted text is written from the first one on. Nothing tells its length: a caller finds the
-/// end at the first zero byte or code unit, which is missing when the text fills the whole buffer.
-/// `outlen` 0 with a null `out` is fine.
+/// The encodings are names that iconv_open() knows; musl knows fewer than glibc. The empty name is
+/// the locale's encoding, with musl UTF-8 in every locale. "UTF-16" and "UCS-2", spelt just so, mean
+/// little-endian code units without a byte order mark; every other name goes to iconv as it is.
+/// `outlen` bytes at `out` are set to zero, then the converted text is written from the first one
+/// on. Nothing tells its length: a caller finds the end at the first zero byte or code unit, which
+/// is missing when the text fills the whole buffer. `outlen` 0 with a null `out` is fine.
 ///
 /// Characters that the target does not have are dropped where iconv knows the suffix "//IGNORE".
-/// Elsewhere the conversion stops there, or the C library replaces them (musl, by "*"). There is
-/// exactly one call of iconv().
+/// Elsewhere the conversion stops there, or the C library replaces them (musl by "*", which counts
+/// as not reversible, and in "UCS-2" by U+FFFD, which does not). There is exactly one call of
+/// iconv().
 ///
 /// glibc reports a text in which something was dropped or is invalid as bad input, with two
 /// exceptions. Values above the range of Unicode in UCS-4 and UCS-4LE vanish without a line. And a
@@ -297,7 +298,7 @@ int CompareHexStrings(const char* first, const char* second);
 /// Every problem is a line logged with level 2, and what was converted so far stays in the buffer:
 /// - "iconv: Insufficient space": the text does not fit, or iconv left some of it over
 /// - "iconv: Bad input data": invalid or incomplete input, or something dropped
-/// - "iconv: Non-reversible conversion performed": characters were replaced by similar ones
+/// - "iconv: Non-reversible conversion performed": characters were replaced by others
 /// - "iconv: Unable to convert from X to Y": an encoding is not known, or iconv cannot load it now
 /// - "iconv: Using ASCII truncation fallback": after the line above, where that is what happens
 ///
@@ -315,7 +316,7 @@ void Transcode(const char* from, const char* to, const void* in, unsigned long i
 std::string Transcode(const char* from, const char* to, std::string in);
 
 /// Lowers the letters of a UTF-8 text as towlower() of the current locale does: letters outside
-/// ASCII as well in a UTF-8 locale.
+/// ASCII as well in a UTF-8 locale, with musl in every locale.
 ///
 /// The result ends at the first NUL character. Characters outside the Basic Multilingual Plane and
 /// invalid bytes are dropped, replaced or end it, as with Transcode(), and a text that grows by
