@@ -10,5 +10,5 @@ command -v clang-tidy >/dev/null || {
 }
 scripts/build.sh clang
 # Findings go to the standard output; the standard error only counts what was suppressed.
-git ls-files -z 'common/*.cpp' 'tools/*.cpp' 'tests/*.cpp' 'fuzz/*.cpp' ':!tests/install' |
+find common fuzz tests tools -path tests/install -prune -o -name '*.cpp' -print0 |
   xargs -0 -n 1 -P "$(getconf _NPROCESSORS_ONLN)" clang-tidy -p build/clang --quiet 2>/dev/null
