@@ -62,7 +62,7 @@ class DefaultSigchld {
   }
 
   bool Install() {
-    struct sigaction action {};
+    struct sigaction action = {};
     action.sa_handler = SIG_DFL;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
@@ -76,7 +76,7 @@ class DefaultSigchld {
   }
 
  private:
-  struct sigaction saved_ {};
+  struct sigaction saved_ = {};
   bool installed_ = false;
 };
 
@@ -124,7 +124,7 @@ int HandOver(UniqueFd& end) {
 }
 
 bool IsExecutable(const std::string& path) {
-  struct stat info {};
+  struct stat info = {};
   if (stat(path.c_str(), &info) != 0) return false;
   if (info.st_uid == getuid()) return (info.st_mode & S_IXUSR) != 0;
   if (info.st_gid == getgid()) return (info.st_mode & S_IXGRP) != 0;
@@ -283,7 +283,7 @@ int SystemNowait(std::string command, int* stdoutFd, int* stderrFd) {
 }
 
 bool CheckFileExist(std::string path) {
-  struct stat info {};
+  struct stat info = {};
   return stat(path.c_str(), &info) == 0;
 }
 

@@ -29,7 +29,7 @@ T* Out(T&& value = T()) {
 }
 
 void OnSigchld(void (*handler)(int), int flags) {
-  struct sigaction action {};
+  struct sigaction action = {};
   action.sa_handler = handler;
   action.sa_flags = flags;
   sigaddset(&action.sa_mask, SIGUSR1);

@@ -7,7 +7,7 @@
 
 #include "harness/harness.h"
 
-static struct sigaction seen {};
+static struct sigaction seen = {};
 
 TEST(System, HasTheDefaultActionForSigchldWhileItRuns) {
   (void)std::signal(SIGUSR1, [](int) { (void)sigaction(SIGCHLD, nullptr, &seen); });

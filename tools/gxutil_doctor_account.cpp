@@ -33,7 +33,7 @@ std::string DirectoryTrouble(const std::string& path, int mode) {
 // A directory with the room that is left in it.
 Fact WithRoom(const std::string& path, const std::string& value) {
   constexpr std::uint64_t kMebibyte = 1 << 20;
-  struct statvfs info {};
+  struct statvfs info = {};
   if (statvfs((path + "/.").c_str(), &info) != 0 || info.f_blocks == 0) return {value};
   const std::uint64_t room = std::uint64_t{info.f_bavail} * info.f_frsize / kMebibyte;
   const std::string text = value + ", " + std::to_string(room) + " MiB free";

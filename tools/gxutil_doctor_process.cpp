@@ -58,7 +58,7 @@ Fact RunProgram() {
 }
 
 Fact ProgramEnd() {
-  struct sigaction action {};
+  struct sigaction action = {};
   (void)sigaction(SIGCHLD, nullptr, &action);
   if (action.sa_handler != SIG_IGN) return {"noticed"};
   return {"not noticed", "the signal that tells of it (SIGCHLD) is ignored",

@@ -22,7 +22,7 @@ void CountInterrupt(int /*signal*/) {
 }
 
 void TakeInterrupts(int flags) {
-  struct sigaction action {};
+  struct sigaction action = {};
   action.sa_handler = CountInterrupt;
   action.sa_flags = flags;
   sigemptyset(&action.sa_mask);
@@ -42,7 +42,7 @@ class ProgramsInterrupt {
   ~ProgramsInterrupt() { (void)sigaction(SIGINT, &saved_, nullptr); }
 
  private:
-  struct sigaction saved_ {};
+  struct sigaction saved_ = {};
 };
 
 int ShowRun(int result, const std::string& output, int exitCode) {

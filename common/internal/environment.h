@@ -23,7 +23,7 @@ inline std::string SessionBusAddress() {
   const std::string directory = Environment("XDG_RUNTIME_DIR");
   if (!address.empty() || directory.empty()) return address;
   std::string bus = directory + "/bus";
-  struct stat info {};
+  struct stat info = {};
   const bool owned =
       lstat(bus.c_str(), &info) == 0 && S_ISSOCK(info.st_mode) && info.st_uid == getuid();
   return owned ? bus : std::string();

@@ -69,7 +69,7 @@ std::string ProcessState() {
     state += fd + " on " + std::filesystem::read_symlink(entry).string() + " flags " +
              std::to_string(fcntl(std::stoi(fd), F_GETFD)) + "\n";
   }
-  struct sigaction action {};
+  struct sigaction action = {};
   (void)sigaction(SIGCHLD, nullptr, &action);
   action.sa_flags &= ~0x04000000;  // what the C library adds to every action that it sets
   const auto handler = reinterpret_cast<std::uintptr_t>(action.sa_handler);
