@@ -65,8 +65,9 @@ std::string PrettyName(const char* path) {
 }  // namespace
 
 Fact ModuleVersion() {
-  return {"gxclient_util " GXUTIL_VERSION ", nettle " + std::to_string(nettle_version_major()) +
-          "." + std::to_string(nettle_version_minor())};
+  std::string text = std::string("gxclient_util ") + GXUTIL_VERSION;
+  text += ", nettle " + std::to_string(nettle_version_major());
+  return {text + "." + std::to_string(nettle_version_minor())};
 }
 
 Fact SystemVersion() {
