@@ -4,6 +4,7 @@
 # Debian on x86-64. Everything is left in build/cross.
 # usage: scripts/cross.sh TARGET...
 #   aarch64 armhf i386 riscv64 s390x  Debian's cross compilers; the tests run under qemu-user
+#   debian13                          its compilers and checks, in a small system of it; needs root
 #   musl                              zig's compiler, musl, libc++, all static; the tests run
 #   macos-arm64 macos-x86_64          zig's compiler; library and tool are linked, not run
 set -euo pipefail
@@ -43,11 +44,16 @@ run_tests() {
     echo "cross.sh: $target: tests failed" >&2
     return 1
   fi
-  # A test that skips itself, having asked the platform, counts as passed in ctest's own summary.
-  local skipped
+  report built "$left_out"
+}
+
+# A test that skips itself, having asked the platform, counts as passed in ctest's own summary.
+# usage: report WHAT LEFT_OUT
+report() {
+  local log=$work/$target.log skipped
   skipped=$(sed -n 's/.*- \(.*\) (Skipped)$/\1/p' "$log" | sort -u | xargs)
-  echo "$target: built; $(grep -c ' Passed ' "$log") tests passed," \
-    "skipped by themselves: ${skipped:-none}, left out: $left_out"
+  echo "$target: $1; $(grep -c ' Passed ' "$log") tests passed," \
+    "skipped by themselves: ${skipped:-none}, left out: $2"
 }
 
 # usage: emulated COMPILER_PREFIX MULTIARCH_DIRECTORY DEBIAN_ARCHITECTURE SUITE QEMU
@@ -150,6 +156,42 @@ musl() {
   run_tests gxutil.encodings gxutil.user gxutil.doctor gxutil.manual Hostile.SingleByteLocale
 }
 
+# Runs a command in the small system below $root, as root, who sees only that system's processes.
+inside() {
+  # shellcheck disable=SC2016  # for the other shell
+  quietly unshare --mount --pid --fork --kill-child bash -ec '
+    root=$1
+    shift
+    mount --bind "$root" "$root"
+    mount -t proc proc "$root/proc"
+    mount --rbind /dev "$root/dev"
+    exec env -i PATH=/usr/sbin:/usr/bin HOME=/root LANG=C.UTF-8 chroot "$root" "$@"' - "$root" "$@"
+}
+
+debian13() {
+  local root=$work/root-debian13 packages options
+  scripts/setup.sh debian13
+  [ -d "$root" ] || {
+    rm -rf "$root.part"
+    packages=$(scripts/setup.sh --list build check | paste -s -d ,)
+    quietly mmdebstrap --variant=essential --include="mount,$packages" trixie "$root.part" \
+      "deb $(mirror) trixie main"
+    mv "$root.part" "$root"
+  }
+  rm -rf "$root/src"
+  mkdir "$root/src"
+  tar -c --exclude=./build --exclude=./.git . | tar -x -C "$root/src"
+  inside /src/scripts/format.sh --check
+  inside /src/scripts/lint.sh
+  inside /src/scripts/tidy.sh
+  echo "$target: format.sh, lint.sh and tidy.sh find nothing"
+  for options in clang 'release -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=ON' release; do
+    # shellcheck disable=SC2086  # words
+    inside /src/scripts/test.sh $options -DGXCLIENT_WERROR=ON
+    report "test.sh $options" none
+  done
+}
+
 # Writes what stands for a library of macOS: its name there and what it exports.
 # usage: stub LIBRARY INSTALL_NAME SYMBOL...
 stub() {
@@ -194,6 +236,7 @@ for target in "$@"; do
     i386) emulated i686-linux-gnu i386-linux-gnu i386 bookworm qemu-i386 ;;
     riscv64) emulated riscv64-linux-gnu riscv64-linux-gnu riscv64 trixie qemu-riscv64 ;;
     s390x) emulated s390x-linux-gnu s390x-linux-gnu s390x bookworm qemu-s390x ;;
+    debian13) debian13 ;;
     musl) musl ;;
     macos-arm64) macos aarch64 ;;
     macos-x86_64) macos x86_64 ;;

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the project needs and this machine lacks, and says what it does.
-# usage: scripts/setup.sh [GROUP]...   (the groups are below; default: build, to compile and test)
+# usage: scripts/setup.sh [--list] [GROUP]...   (the groups are below; default: build, to compile
+# and test; --list only prints the names)
 # Debian and Ubuntu: apt, with sudo when not root. macOS: brew. On another system it only names what
 # is needed, and the build says what it misses.
 set -euo pipefail
@@ -22,6 +23,7 @@ debian_packages() {
     fuzz) echo clang libclang-rt-dev ;;
     package) echo dpkg-dev file lintian ;;
     aarch64) echo g++-aarch64-linux-gnu "$emulation" ;;
+    debian13) echo mmdebstrap ;;
     armhf) echo g++-arm-linux-gnueabihf "$emulation" ;;
     i386) echo g++-i686-linux-gnu "$emulation" ;;
     riscv64) echo g++-riscv64-linux-gnu "$emulation" ;;
@@ -54,6 +56,11 @@ install_debian() {
 }
 install_brew() { brew install "$@"; }
 
+list=
+if [ "${1:-}" = --list ]; then
+  list=yes
+  shift
+fi
 [ $# -gt 0 ] || set -- build
 system=debian manager=dpkg-query
 [ "$(uname)" != Darwin ] || system=brew manager=brew
@@ -65,6 +72,10 @@ for name in "$@"; do
 done
 # shellcheck disable=SC2086  # one word a package
 wanted=$(printf '%s\n' $wanted | sort -u)
+if [ -n "$list" ]; then
+  echo "$wanted"
+  exit 0
+fi
 if ! command -v "$manager" >/dev/null; then
   # shellcheck disable=SC2086
   echo "setup.sh: without $manager nothing is installed; needed:" $wanted >&2
