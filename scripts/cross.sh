@@ -5,6 +5,7 @@
 # by hand: from an empty build/cross a target takes two to ten minutes, the compilers of zig longest.
 # usage: scripts/cross.sh TARGET...
 #   aarch64 armhf i386 riscv64 s390x  Debian's cross compilers; the tests run under qemu-user
+#                                     (riscv64 has not been run: the mirror's list was out of date)
 #   debian13                          its compilers and checks, in a small system of it; needs root
 #   musl                              zig's compiler, musl, libc++, all static; the tests run
 #   macos-arm64 macos-x86_64          zig's compiler; library and tool are linked, not run
