@@ -1,6 +1,7 @@
-// Input: the command line.
+// Input: the command line. Its arguments are made an array.
 
 #include "fuzz.h"
+#include "support/argvector.h"
 
 std::vector<World> Worlds() { return {{"", 8, {"a", " ", "\"", "\t"}}, {"", 2, EveryByte()}}; }
 
@@ -20,4 +21,13 @@ void Check(std::string input) {
     }
   }
   assert(arguments == expected);
+
+  ArgVector builder;
+  for (const std::string& argument : arguments) {
+    (void)builder.getArgArray();  // is valid until the next argument is added
+    builder.addArgument(argument);
+  }
+  const char* const* array = builder.getArgArray();
+  for (const std::string& argument : arguments) assert(std::string(*array++) == argument.c_str());
+  assert(*array == nullptr);
 }

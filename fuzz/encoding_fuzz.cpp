@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <clocale>
+#include <cstring>
 #include <cwctype>
 
 #include <iconv.h>
@@ -30,7 +31,10 @@ std::string CheckTranscode(const char* from, const char* to, std::string in, std
   std::string buffer(room + 8, 'j');
   logged.clear();
   char* out = room == 0 ? nullptr : buffer.data();
+  const std::string name = from;  // which may stand in the buffer
+  if (name.size() < room) from = std::strcpy(out, from);
   GXUtils::Transcode(from, to, exact.data(), exact.size(), out, room);
+  from = name.c_str();
 
   std::string expected = std::string(room, '\0') + "jjjjjjjj";
   std::string lines = "2 iconv: Unable to convert from " + Plain(from) + " to " + Plain(to) + "\n";

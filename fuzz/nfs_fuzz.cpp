@@ -4,7 +4,6 @@
 
 #include "fuzz.h"
 #include "support/exportdata.h"
-#include "support/parser.h"
 
 namespace {
 
@@ -22,18 +21,6 @@ Strings Fields(const std::string& option) {
   return fields;
 }
 
-void CheckParser(const std::string& option, const Strings& fields) {
-  Parser parser(option);
-  assert(parser.current == (option.empty() ? -1 : static_cast<signed char>(option[0])));
-  for (const std::string& expected : fields) {
-    std::string field = "old";
-    assert(parser.parse_comma_escaped_string(field) == (expected.empty() ? 0 : 1));
-    assert(field == expected && parser.current == (&expected == &fields.back() ? -1 : ','));
-    parser.advance();
-  }
-  assert(parser.current == -1 && parser.pos == option.size());
-}
-
 }  // namespace
 
 std::vector<World> Worlds() {
@@ -42,8 +29,6 @@ std::vector<World> Worlds() {
 
 void Check(std::string input) {
   const Strings fields = Fields(input);
-  CheckParser(input, fields);
-
   std::vector<Exportdata*> exports = {nullptr};
   const int result = parse_nfs_export_option(input, exports);
   bool valid = true;
