@@ -22,7 +22,8 @@ const std::string kAsk =
 
 constexpr char kBus[] = "DBUS_SESSION_BUS_ADDRESS=x:";
 constexpr char kDisplay[] = "DISPLAY=:0";
-const std::vector<const char*> kBoth = {kBus, kDisplay};
+// The address counts before the runtime directory, which has no bus.
+const std::vector<const char*> kBoth = {kBus, kDisplay, "XDG_RUNTIME_DIR=."};
 
 struct Desktop {
   const char* what;
