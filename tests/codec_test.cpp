@@ -15,14 +15,11 @@ TEST(Base64, HasTheVectorsOfRfc4648) {
   EXPECT_EQ(GXUtils::HexASCIIToString("666F6f626172"), "foobar");
 }
 
-TEST(SHA256Digest, TakesEveryByteAndWritesThirtyTwo) {
-  const std::pair<std::string, const char*> vectors[] = {
-      {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
-      {std::string(56, '\0'), "d4817aa5497628e7c77e6b606107042bbba3130888c5f47a375e6179be789fbb"},
-  };
-  for (const auto& [data, digest] : vectors) {
-    std::string buffer(34, '#');  // of which 32 bytes are to be written
-    GXUtils::SHA256Digest(data, reinterpret_cast<unsigned char*>(&buffer[1]));
-    EXPECT_EQ(buffer, "#" + GXUtils::HexASCIIToString(digest) + "#");
-  }
+TEST(SHA256Digest, WritesThirtyTwoBytes) {
+  std::string buffer(34, '#');
+  GXUtils::SHA256Digest("abc", reinterpret_cast<unsigned char*>(&buffer[1]));
+  EXPECT_EQ(buffer, "#" +
+                        GXUtils::HexASCIIToString("ba7816bf8f01cfea414140de5dae2223"
+                                                  "b00361a396177a9cb410ff61f20015ad") +
+                        "#");
 }

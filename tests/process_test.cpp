@@ -58,23 +58,25 @@ TEST(CheckFileExecutable, AsksTheFirstClassThatTheRealIdsBelongTo) {
 }
 
 TEST(CloseAllFds, ClosesExactlyItsRange) {
-  const std::pair<int, int> cases[] = {{100, 200},  {100, 0}, {100, 100}, {100, 1023},
-                                       {100, 1024}, {-5, -7}, {1023, 3},  {1024, 2000}};
-  for (const auto& [first, keep] : cases) {
+  const struct {
+    int first, keep;
+  } cases[] = {{100, 200},  {100, 0}, {100, 100}, {100, 1023},
+               {100, 1024}, {-5, -7}, {1023, 3},  {1024, 2000}};
+  for (const auto& c : cases) {
     for (const int refused : {0, 1}) {
-      EXPECT_TRUE(PassesInChild([&, first = first, keep = keep] {
+      EXPECT_TRUE(PassesInChild([&] {
         rlimit limit{};
         ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
         limit.rlim_cur = 2048;
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
         for (int fd = 99; fd < 1100; ++fd) (void)dup2(STDERR_FILENO, fd);
         const Failing fault[] = {{"syscall", refused, ENOSYS}, {"syscall", 2 * refused, EPERM}};
-        GXUtils::CloseAllFds(first, keep);
+        GXUtils::CloseAllFds(c.first, c.keep);
         for (int fd = 99; fd < 1100; ++fd) {
-          EXPECT_EQ(fcntl(fd, F_GETFD) >= 0, fd < first || fd == keep || fd > 1023) << fd;
+          EXPECT_EQ(fcntl(fd, F_GETFD) >= 0, fd < c.first || fd == c.keep || fd > 1023) << fd;
         }
-      })) << first
-          << ", " << keep << ", refused " << refused;
+      })) << c.first
+          << ", " << c.keep << ", refused " << refused;
     }
   }
 }

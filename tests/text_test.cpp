@@ -11,9 +11,7 @@ TEST(DecodeStringListDeathTest, StopsOnANullOutputInEveryBuild) {
 TEST(StringLines, KeepsTheTailWhenMemoryIsExhausted) {
   const std::string part(50, 'p');  // too long to be kept without an allocation
   const std::pair<std::string, std::string> cases[] = {
-      {part, part},
-      {part, part + "\r\n" + part + "\n" + part + part},
-      {part + "\n" + part, part + "\n" + part}};
+      {part, part + "\r\n" + part + "\n" + part + part}, {part + "\n" + part, part + "\n" + part}};
   for (const auto& [before, chunk] : cases) {
     std::string tail = before;
     for (int nth = 1; tail == before; ++nth) {  // until it succeeds
