@@ -1,5 +1,7 @@
 // Input: the command line. Its arguments are made an array.
 
+#include <cstring>
+
 #include "fuzz.h"
 #include "support/argvector.h"
 
@@ -28,6 +30,6 @@ void Check(std::string input) {
     builder.addArgument(argument);
   }
   const char* const* array = builder.getArgArray();
-  for (const std::string& argument : arguments) assert(std::string(*array++) == argument.c_str());
+  for (const std::string& argument : arguments) assert(!std::strcmp(*array++, argument.c_str()));
   assert(*array == nullptr);
 }

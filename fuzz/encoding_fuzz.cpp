@@ -32,7 +32,7 @@ std::string CheckTranscode(const char* from, const char* to, std::string in, std
   logged.clear();
   char* out = room == 0 ? nullptr : buffer.data();
   const std::string name = from;  // which may stand in the buffer
-  if (name.size() < room) from = std::strcpy(out, from);
+  if (name.size() < room) from = static_cast<char*>(std::memcpy(out, from, name.size() + 1));
   GXUtils::Transcode(from, to, exact.data(), exact.size(), out, room);
   from = name.c_str();
 
