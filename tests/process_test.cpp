@@ -24,7 +24,7 @@ TEST(SystemNowait, WritesTheTextOfAnyErrorCutAtACharacter) {
   const std::string longest(255, 'x');
   std::setlocale(LC_CTYPE, "C.UTF-8");
   testing::internal::CaptureStderr();
-  for (const std::string& text : {longest, longest + "x", "x" + umlauts}) {
+  for (const std::string& text : {longest, longest + "x", umlauts}) {
     fakeErrorText = text;
     const Failing translated("strerror", 1, 0);
     EXPECT_EQ(GXUtils::SystemNowait("no-such-program"), -2);
@@ -32,7 +32,7 @@ TEST(SystemNowait, WritesTheTextOfAnyErrorCutAtACharacter) {
   const Failing unusual("execvp", 1, ENOTUNIQ);
   const Failing limit("alarm", 1, 0);  // set before anything is written
   EXPECT_EQ(GXUtils::SystemNowait("true"), -2);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), longest + "\n" + longest + "\nx" +
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), longest + "\n" + longest + "\n" +
                                                         umlauts.substr(0, 254) + "\nalarm 1\n" +
                                                         std::strerror(ENOTUNIQ) + "\n");
   std::setlocale(LC_CTYPE, "C");
@@ -69,10 +69,10 @@ TEST(CloseAllFds, ClosesExactlyItsRange) {
         ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
         limit.rlim_cur = 2048;
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-        for (int fd = 99; fd < 1100; ++fd) (void)dup2(STDERR_FILENO, fd);
+        for (int fd = 0; fd < 1100; ++fd) (void)dup2(STDERR_FILENO, fd);
         const Failing fault[] = {{"syscall", refused, ENOSYS}, {"syscall", 2 * refused, EPERM}};
         GXUtils::CloseAllFds(c.first, c.keep);
-        for (int fd = 99; fd < 1100; ++fd) {
+        for (int fd = 0; fd < 1100; ++fd) {
           EXPECT_EQ(fcntl(fd, F_GETFD) >= 0, fd < c.first || fd == c.keep || fd > 1023) << fd;
         }
       })) << c.first

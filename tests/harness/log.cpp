@@ -10,5 +10,5 @@ Logfile logfile;
 
 void Logfile::Log(std::string message, int level) {
   logged += std::to_string(level) + " " + message + "\n";
-  if (logThrows) throw std::runtime_error("the log failed");
+  if (logThrows) throw std::runtime_error("log failed");
 }
