@@ -67,8 +67,9 @@ class Row {
         baselineTimes.push_back(TimePerCall(body, calls));
         if (!isFirst) times.push_back(TimePerCall(subject, calls));
       }
-      state.counters[kSubjectTime] = Median(times);
-      state.counters[kRatio] = Median(times) / Median(baselineTimes);
+      const double subjectTime = Median(times);
+      state.counters[kSubjectTime] = subjectTime;
+      state.counters[kRatio] = subjectTime / Median(baselineTimes);
     };
     benchmark::RegisterBenchmark((name_ + " : " + baseline).c_str(), run)->UseRealTime();
     Compare(name_, baseline, target);
