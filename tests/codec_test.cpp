@@ -15,10 +15,8 @@ TEST(Base64, HasTheVectorsOfRfc4648) {
 }
 
 TEST(SHA256Digest, WritesThirtyTwoBytes) {
+  const char* const digest = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
   std::string buffer(34, '#');
   GXUtils::SHA256Digest("abc", reinterpret_cast<unsigned char*>(&buffer[1]));
-  EXPECT_EQ(buffer, "#" +
-                        GXUtils::HexASCIIToString("ba7816bf8f01cfea414140de5dae2223"
-                                                  "b00361a396177a9cb410ff61f20015ad") +
-                        "#");
+  EXPECT_EQ(buffer, "#" + GXUtils::HexASCIIToString(digest) + "#");
 }

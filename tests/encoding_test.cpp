@@ -23,6 +23,7 @@ TEST(Transcode, ReportsEveryProblemAndKeepsWhatItCan) {
       {"UTF-8", "UTF-8", "ab", "\0\0"s, "2 iconv: Insufficient space\n" + replaced, 0, true},
       {"UTF-8", "UTF-8", "", "\0\0"s, replaced, 0, true},
       {"UTF-8", "UCS-2", "ab", "\0\0"s, kUnable + "UTF-8 to UCS-2LE\n", 2},
+      {"UCS-2", "UTF-8", "a\0"s, "\0\0"s, kUnable + "UCS-2LE to UTF-8\n", 2},
       {"UTF-8", "", "Grüße", "Gre\0\0\0\0\0\0"s, kUnable + "UTF-8 to \n" + kFallback, 2},
       {"", "UTF-8", "abcdef", "abc\0"s, kUnable + " to UTF-8\n" + kFallback, 2},
       {"", "", "\x80\xFF-\0b"s, "-\0\0\0\0"s, kUnable + " to \n" + kFallback, 2},
