@@ -110,9 +110,10 @@ class HelpFormatter : public CLI::Formatter {
     label("REQUIRED", "");  // the usage line tells
   }
   std::string make_usage(const CLI::App* app, std::string name) const override {
-    std::string usage = Formatter::make_usage(app, std::move(name));
-    if (operands_.empty()) return usage;
-    return usage.insert(usage.find_last_not_of('\n') + 1, " " + operands_);
+    std::string usage = GXUtils::Strip(Formatter::make_usage(app, std::move(name)), "\n");
+    if (usage.rfind("Usage: ", 0) != 0) usage.insert(0, "Usage: ");  // CLI11 2.6 leaves it out
+    if (!operands_.empty()) usage += " " + operands_;
+    return usage + "\n";
   }
   std::string make_positionals(const CLI::App* app) const override {
     if (operands_.empty()) return Formatter::make_positionals(app);
