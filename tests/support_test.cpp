@@ -1,11 +1,23 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/argvector.h"
+#include "support/exportdata.h"
+#include "support/gxexception.h"
 #include "support/logfile.h"
+#include "support/parser.h"
+
+// Clients of the shared libraries have these sizes compiled in: they stay as long as the SOVERSION.
+static_assert(sizeof(ArgVector) == sizeof(std::pair<std::vector<int>, std::vector<int>>));
+static_assert(sizeof(Exportdata) == sizeof(std::pair<std::string, int>));
+static_assert(sizeof(GXException) == sizeof(std::tuple<void*, std::pair<int, std::runtime_error>>));
+static_assert(sizeof(Logfile) == 1);
+static_assert(sizeof(Parser) == sizeof(std::tuple<std::string, unsigned, int>));
 
 // The real log, which the other tests replace.
 TEST(Logfile, WritesOneLineACallFromAnyThread) {
