@@ -1,6 +1,8 @@
 // Character sets, codecs and digests. The commands are filters: they read the standard input where
 // no text is given, and print bytes as they are.
 
+#include <utility>
+
 #include "gxclient_util.h"
 #include "gxutil.h"
 
@@ -28,11 +30,11 @@ int PrintTranscoded(const std::string& from, const std::string& to, const std::s
   return Fail("the result is printed up to its first zero byte; -b SIZE prints a whole buffer");
 }
 
-int PrintLowered(const std::string& text) {
+int PrintLowered(std::string text) {
   if (text.find('\0') != std::string::npos) {
     return Fail("the text has a NUL byte, at which the result would end");
   }
-  return PrintBytes(GXUtils::ToLower(text));
+  return PrintBytes(GXUtils::ToLower(std::move(text)));
 }
 
 std::string HexDigest(const std::string& data) {
@@ -92,6 +94,7 @@ void AddEncodingCommands(CLI::App& app) {
   });
   Add(app, "to-lower", "Lower the letters of a UTF-8 text", [](CLI::App& command) {
     const auto text = Input(command, "TEXT", "The text");
+    command.footer("The locale says which letters those are: C knows A to Z alone.");
     return [=] { return PrintLowered(text()); };
   });
   AddCodecCommands(app);

@@ -48,6 +48,9 @@ void AddFileCommands(CLI::App& app) {
   Add(app, "check-create-dir", "Make sure that a directory exists", [](CLI::App& command) {
     const auto path = Operand(command, "PATH", "The directory, absolute");
     const auto* recursive = command.add_flag("-r,--recursive", "Make those above it as well");
+    command.footer(
+        "With -r a path that does not begin with a slash counts from the root directory,\n"
+        "without what stands before its first slash.");
     return [=] { return MakeDirectory(path(), recursive->count() != 0); };
   });
   Add(app, "generate-temp-file", "Create a private file below /tmp", [](CLI::App& command) {
@@ -105,6 +108,7 @@ void AddHostCommands(CLI::App& app) {
   });
   Add(app, "nfs-exports", "Print access and path of each export", [](CLI::App& command) {
     const auto option = Operand(command, "OPTION", "PATH,ro|rw|disabled[,PATH,...]");
+    command.footer("The access is 0 for none, 1 for read-only, 2 for read-write.");
     return [=] { return PrintExports(option()); };
   });
 }

@@ -61,10 +61,11 @@ int ShowRun(int result, const std::string& output, int exitCode) {
 template <class StringForm, class ArrayForm>
 int Launch(const OperandList& operands, StringForm stringForm, ArrayForm arrayForm) {
   const std::vector<std::string> given = operands.Get();
-  if (!operands.AfterDashes()) {
-    if (given.size() != 1) throw CLI::RequiredError("one COMMAND, or -- PROGRAM ARGUMENT...,");
-    return stringForm(given[0]);
+  const bool isArray = operands.AfterDashes();
+  if (isArray ? given.empty() : given.size() != 1) {
+    throw CLI::RequiredError("one COMMAND, or -- PROGRAM ARGUMENT...,");
   }
+  if (!isArray) return stringForm(given[0]);
   ArgVector arguments;
   for (const std::string& argument : given) arguments.addArgument(argument);
   return arrayForm(arguments.getArgArray());
@@ -102,21 +103,26 @@ void AddProcessCommands(CLI::App& app) {
   Add(app, "split-command-line", "Cut a command line into its arguments", [](CLI::App& command) {
     const auto text = Operand(command, "TEXT", "The command line");
     const auto nul = NullOption(command);
+    command.footer(
+        "A quote that is not closed loses its argument, up to the next space or the end.");
     return [=] { return PrintLines(GXUtils::SplitCommandLine(text()), nul()); };
   });
   Add(app, "system", "Run a program, print its output, exit as it exited", [](CLI::App& command) {
     const OperandList operands = CommandOperands(command);
     command.footer(
-        "The output comes at the end: when the program has ended, and whatever it has\n"
-        "left behind that holds its output. A NUL byte and what follows it in a piece of\n"
-        "255 bytes are lost. The exit status is that of the program, 125 where it left\n"
-        "none. An interrupt from the keyboard is for the program; what it printed comes\n"
-        "then as well.");
+        "The output, with the error output in it, comes at the end: when the program has\n"
+        "ended, and whatever it has left behind that holds its output. A NUL byte and\n"
+        "what follows it in a piece of 255 bytes are lost. The program reads the standard\n"
+        "input. The exit status is that of the program, 125 where it left none. An\n"
+        "interrupt from the keyboard is for the program; what it printed comes then as\n"
+        "well.");
     return [=] { return RunProgram(operands); };
   });
   Add(app, "system-nowait", "Start a program in its own session, print its id",
       [](CLI::App& command) {
-        return [operands = CommandOperands(command)] { return StartProgram(operands); };
+        const OperandList operands = CommandOperands(command);
+        command.footer("The program has the standard streams of gxutil.");
+        return [=] { return StartProgram(operands); };
       });
   Add(app, "check-file-exist", "Say whether a file exists", [](CLI::App& command) {
     const auto path = Operand(command, "PATH", "The file");

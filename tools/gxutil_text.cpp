@@ -47,13 +47,14 @@ std::string NumberTrouble(const std::string& text) {
 
 void AddListCommands(CLI::App& app) {
   Add(app, "split-string", "Cut a text at every separator", [](CLI::App& command) {
-    const auto text = Operand(command, "TEXT", "The text");
+    const auto text = Input(command, "TEXT", "The text");
     const auto separator = SeparatorOption(command);
     const auto nul = NullOption(command);
     return [=] { return PrintLines(GXUtils::SplitString(text(), separator()), nul()); };
   });
   Add(app, "string-lines", "Assemble the lines of the standard input", [](CLI::App& command) {
     const auto nul = NullOption(command);
+    command.footer("What stands after the last line end is printed as it is.");
     return [=] { return PrintInputLines(nul()); };
   });
   Add(app, "encode-string-list", "Store a list in one text", [](CLI::App& command) {
@@ -65,7 +66,7 @@ void AddListCommands(CLI::App& app) {
     };
   });
   Add(app, "decode-string-list", "Read back what encode-string-list wrote", [](CLI::App& command) {
-    const auto text = Operand(command, "TEXT", "The text");
+    const auto text = Input(command, "TEXT", "The text");
     const auto separator = SeparatorOption(command);
     const auto nul = NullOption(command);
     return [=] {
