@@ -73,7 +73,7 @@ int Fail(std::string message);
 /// command exits with kFailure, unless it fails with another status.
 bool HasLogged();
 
-/// Keeps to itself what is logged while it lives. There is one at a time.
+/// Keeps to itself what is logged while it lives, but for what a later one keeps meanwhile.
 class KeptLog {
  public:
   KeptLog();
@@ -85,6 +85,7 @@ class KeptLog {
   bool Has(const std::string& message) const;
 
  private:
+  KeptLog* outer_;
   std::vector<std::string> lines_;
 };
 

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "gxclient_util.h"
+#include "gxutil.h"
 #include "gxutil_doctor.h"
 #include "internal/home.h"
 
@@ -41,13 +42,26 @@ Fact WithRoom(const std::string& path, const std::string& value) {
   return {text, "the disk is full", kRoomAdvice};
 }
 
+// What is unusual about a home, and makes settings seem to be gone.
+std::string HomeNotes(const std::string& home) {
+  std::string notes;
+  if (home[0] != '/') notes += " (counts from the working directory)";
+  struct stat info = {};
+  if (stat(home.c_str(), &info) == 0 && info.st_uid != getuid()) notes += " (of another user)";
+  return notes;
+}
+
 }  // namespace
 
 Fact RunningUser() {
+  const KeptLog log;
   const std::string name = GXUtils::calcRunningUser();
   const std::string value = name + " (user id " + std::to_string(getuid()) + ")";
-  if (!name.empty()) return {value};
-  return {value, "nothing gives this user a name", "Set LOGNAME to the user's name."};
+  if (name.empty()) {
+    return {value, "nothing gives this user a name", "Set LOGNAME to the user's name."};
+  }
+  if (!log.Has("iconv: Bad input data")) return {value};
+  return {value, "the name has lost letters", "Give LOGNAME and the locale (LANG) one encoding."};
 }
 
 Fact Home() {
@@ -55,13 +69,14 @@ Fact Home() {
   if (home.empty()) return {"none", "HOME is not set or empty", kHomeAdvice};
   const std::string trouble = DirectoryTrouble(home, X_OK);
   if (!trouble.empty()) return {home, trouble, kHomeAdvice};
-  return WithRoom(home, home);
+  return WithRoom(home, home + HomeNotes(home));
 }
 
 Fact PerUserDirectory() {
   const std::string home = GXSupport::HomeDirectory(GXUtils::calcRunningUser());
   const std::string directory = home + "/" + GXSupport::kPerUserDirectory;
-  const std::string advice = "Let this user write there: the client keeps its settings in it.";
+  const std::string advice =
+      "Make it a directory that this user may write: the client keeps its settings in it.";
   std::error_code error;
   if (std::filesystem::exists(std::filesystem::symlink_status(directory, error))) {
     return {directory, DirectoryTrouble(directory, W_OK | X_OK), advice};
@@ -72,7 +87,8 @@ Fact PerUserDirectory() {
 Fact TemporaryDirectory() {
   const std::string path = GXUtils::GenerateTempFile("gxutil", nullptr);
   if (path.empty()) {
-    return {"/tmp takes no file", ErrorText(), "Make room in /tmp, or set its mode to 1777."};
+    return {"/tmp takes no file", ErrorText(),
+            "Make /tmp a directory of mode 1777, with room in it, that can be written."};
   }
   if (GXUtils::UnlinkOrTruncate(path.c_str()) != 0) {
     return {path, ErrorText(), "Delete it: it was made to see whether /tmp takes a file."};
@@ -106,7 +122,7 @@ Fact SearchPath() {
   for (const std::string& entry : GXUtils::SplitString(path, ':')) {
     const std::string trouble = DirectoryTrouble(entry, X_OK);
     searchable = searchable || trouble.empty();
-    if (entry.empty()) notes += " (an empty entry: / or the working directory is searched)";
+    if (entry.empty()) notes += " (an empty entry: / for Which, 'directory' above for System)";
     if (!trouble.empty()) notes.append(" (").append(entry).append(": ").append(trouble) += ")";
   }
   return {path + notes, searchable ? "" : "no entry can be searched", advice};

@@ -39,7 +39,7 @@ Fact NoAnswer(const std::string& said) {
 
 Fact Program(const char* name, const std::string& package) {
   const std::string path = GXUtils::Which(name);
-  return {path.empty() ? "none (Debian's package " + package + " has one)" : path};
+  return {path.empty() ? "none in PATH (Debian's package " + package + " has it)" : path};
 }
 
 }  // namespace

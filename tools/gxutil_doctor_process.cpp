@@ -91,7 +91,7 @@ Fact OpenFiles() {
   if (limit.rlim_cur < limit.rlim_max) value += " (can be raised)";
   if (above > 0) value += ", " + std::to_string(above) + " handed on to programs (above 1023)";
   if (limit.rlim_cur >= taken + kNeeded) return {value};
-  return {value, "too few are left to start a program",
+  return {value, "too few are left to start some programs",
           "Raise the limit with 'ulimit -n' in what starts the client."};
 }
 

@@ -25,9 +25,9 @@ namespace gxutil {
 
 bool HasLogged() { return hasLogged; }
 
-KeptLog::KeptLog() { keeper = this; }
+KeptLog::KeptLog() : outer_(std::exchange(keeper, this)) {}
 
-KeptLog::~KeptLog() { keeper = nullptr; }
+KeptLog::~KeptLog() { keeper = outer_; }
 
 bool KeptLog::Has(const std::string& message) const {
   return std::find(lines_.begin(), lines_.end(), message) != lines_.end();
