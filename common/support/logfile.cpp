@@ -32,9 +32,11 @@ std::string OneLine(std::string message) {
 
 }  // namespace
 
-Logfile logfile;
+// A client may define these itself. They are weak: its own count also where something else makes the
+// linker take this file, such as a member of std::string that is compiled into it.
+[[gnu::weak]] Logfile logfile;
 
-void Logfile::Log(std::string message, int level) {
+[[gnu::weak]] void Logfile::Log(std::string message, int level) {
   std::string line = Timestamp() + " [" + std::to_string(level) + "] ";
   line += OneLine(std::move(message));
   line += '\n';

@@ -267,7 +267,8 @@ int Show(const std::string& path) {
 
 }  // namespace
 
-int osxShowInFileManager(const std::string& path) {
+// Weak: a client may define its own; see logfile.cpp.
+[[gnu::weak]] int osxShowInFileManager(const std::string& path) {
   namespace fs = std::filesystem;
   std::error_code error;
   if (!fs::exists(fs::symlink_status(path.c_str(), error))) return kNothingThere;

@@ -1,5 +1,6 @@
 // A client of the module. With OWN_COLLABORATORS it brings its own log and file manager, which
-// need not be shaped like the project's.
+// need not be shaped like the project's. They count also where it calls members of std::string, which
+// an unoptimised build of the project's own has in the same object files.
 #include "gxclient_util.h"
 
 #ifdef OWN_COLLABORATORS
@@ -10,8 +11,13 @@ class Logfile {
 };
 Logfile logfile;
 
-void Logfile::Log(std::string message, int level) { lines += std::to_string(level) + message; }
-int osxShowInFileManager(const std::string& path) { return path == "/no/such" ? 7 : -1; }
+void Logfile::Log(std::string message, int level) {
+  lines += std::to_string(level);
+  for (const char byte : message) lines += byte;
+}
+int osxShowInFileManager(const std::string& path) {
+  return path.rfind("/such") == path.find("/s") ? 7 : -1;
+}
 
 bool CollaboratorsWereCalled(int shown) {
   return shown == 7 && logfile.lines == "2Failed to start command no-such-program";
