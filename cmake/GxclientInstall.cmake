@@ -1,6 +1,5 @@
 # What lets a client find the installed libraries: the CMake package and the pkg-config files. Static
-# and shared libraries can be installed beside each other, each by its own build: what both builds
-# install is the same then.
+# and shared libraries can be installed beside each other, each by its own build, in either order.
 include(CMakePackageConfigHelpers)
 gxclient_set_install_rpath(gxclient_util ${CMAKE_INSTALL_FULL_LIBDIR})
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/gxclient)
@@ -38,8 +37,12 @@ foreach(library Iconv Intl)  # in the C library itself, or libraries of their ow
   endif()
 endforeach()
 set(pc_files gxclient.pc)
-if(NOT BUILD_SHARED_LIBS)
+set(pc_private .private)
+set(pc_public_libraries)
+if(NOT BUILD_SHARED_LIBS)  # where these are alone, a client links what they need without --static
   list(APPEND pc_files gxclient-static.pc)
+  set(pc_private)
+  set(pc_public_libraries ${pc_private_libraries})
 endif()
 foreach(pc_file IN LISTS pc_files)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/${pc_file}.in ${pc_file} @ONLY)
