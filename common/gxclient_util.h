@@ -3,12 +3,14 @@
 ///
 /// What holds for all of them:
 /// - A byte string is a std::string without an encoding; a NUL byte in it is ordinary data, except
-///   where it becomes a path, a program name or an argument, which end at their first NUL byte. A
-///   parameter of type const char* is NUL-terminated and not null; nor is an argument array.
+///   where it becomes a path, a program name, an argument or a user's name, which end at their
+///   first NUL byte. A parameter of type const char* is NUL-terminated and not null; nor is an
+///   argument array.
 /// - What a function takes by value it works on: a text moved in is not copied, and the result may
 ///   stand in its memory, with more capacity than it needs.
 /// - Pointers that return a result are optional unless the function says otherwise, and are written
 ///   only on the results that the function names.
+/// - What a call leaves in errno means something only where the function says so.
 /// - Nothing is logged and nothing is thrown unless the function says so. Log lines go to
 ///   Logfile::Log() on `logfile`, untranslated; the text of a GXException is translated by gettext
 ///   in the text domain that the client has set. Exceptions of the standard library (memory
@@ -16,10 +18,10 @@
 ///   started stays behind then.
 /// - Three functions touch state of the whole process and are called from one thread at a time:
 ///   System() changes the action for SIGCHLD while it runs; calcHomeDir() and calcRunningUser()
-///   read the environment and the password database. The others may run on any thread, as long as
-///   the objects passed by reference or pointer are not shared, and nothing that they read is
-///   changed meanwhile: the environment (the runners, Which(), ShowInFileManager()), the locale
-///   (SystemNowait(), CompareHexStrings(), Transcode(), ToLower(), HexASCIIToString()) or
+///   read the environment, the locale and the password database. The others may run on any thread,
+///   as long as the objects passed by reference or pointer are not shared, and nothing that they
+///   read is changed meanwhile: the environment (the runners, Which(), ShowInFileManager()), the
+///   locale (SystemNowait(), CompareHexStrings(), Transcode(), ToLower(), HexASCIIToString()) or
 ///   `gxclient_prefix` (AddPathPrefix()).
 ///
 /// The types of the client that a caller meets have headers of their own: `support/gxexception.h`
@@ -252,10 +254,10 @@ bool DecodeStringList(const std::string& text, std::list<std::string>* output, c
 /// @throws std::logic_error when an argument is null.
 int CompareVersions(const char* first, const char* second);
 
-/// Compares two hexadecimal numbers of any length. A leading "0x" (not "0X") and the zeros after it
-/// do not count, nor does the case of letters. The digits are not checked: longer is higher, then
-/// the first difference of the bytes decides, lowered by tolower() in the current locale and taken
-/// as unsigned. "0x00FF" equals "ff" and is lower than "100".
+/// Compares two hexadecimal numbers of any length. A leading "0x" (not "0X") and leading zeros do
+/// not count, nor does the case of letters. The digits are not checked: longer is higher, then the
+/// first difference of the bytes decides, lowered by tolower() in the current locale and taken as
+/// unsigned. "0x00FF" equals "ff" and is lower than "100".
 ///
 /// @retval -1 the first is lower
 /// @retval 0 they are equal
@@ -271,22 +273,24 @@ int CompareHexStrings(const char* first, const char* second);
 /// Converts text from one character encoding to another with iconv().
 ///
 /// The encodings are names that iconv_open() knows; musl knows fewer than glibc. The empty name is
-/// the locale's encoding, with musl UTF-8 in every locale. "UTF-16" and "UCS-2", spelt just so, mean
-/// little-endian code units without a byte order mark; every other name goes to iconv as it is.
-/// `outlen` bytes at `out` are set to zero, then the converted text is written from the first one
-/// on. Nothing tells its length: a caller finds the end at the first zero byte or code unit, which
-/// is missing when the text fills the whole buffer. `outlen` 0 with a null `out` is fine.
+/// the locale's encoding, with musl UTF-8 in every locale. "UTF-16" and "UCS-2", spelt just so,
+/// mean little-endian code units without a byte order mark; every other name goes to iconv as it
+/// is. `outlen` bytes at `out` are set to zero, then the converted text is written from the first
+/// one on. Nothing tells its length: a caller finds the end at the first zero byte or code unit,
+/// which is missing when the text fills the whole buffer. `outlen` 0 with a null `out` is fine.
 ///
 /// Characters that the target does not have are dropped where iconv knows the suffix "//IGNORE".
 /// Elsewhere the conversion stops there, or the C library replaces them (musl by "*", which counts
 /// as not reversible, and in "UCS-2" by U+FFFD, which does not). There is exactly one call of
 /// iconv().
 ///
-/// glibc reports a text in which something was dropped or is invalid as bad input, with two
-/// exceptions. Values above the range of Unicode in UCS-4 and UCS-4LE vanish without a line. And a
-/// text of more than about 8,000 characters is converted in blocks: a character that the target
-/// does not have then ends the conversion with its block, and an invalid byte vanishes without a
-/// line unless it is in the last block.
+/// glibc reports a text in which something was dropped or is invalid as bad input, with these
+/// exceptions. Between UTF-8 and the encodings of the UCS-4 family, and within either, values above
+/// the range of Unicode are converted like characters, as surrogates are within that family; values
+/// from 0x80000000 on in UCS-4 vanish without a line. And a text of more than about 8,000
+/// characters is converted in blocks: a character that the target does not have then ends the
+/// conversion with its block, and an invalid byte vanishes without a line unless it is in the last
+/// block.
 ///
 /// Where iconv cannot convert between UTF-8 and the locale's encoding at all (both names empty or
 /// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
@@ -393,7 +397,7 @@ void SHA256Digest(const std::string& data, unsigned char* digest);
 ///        With it, one that does not exist there hangs on the root directory: what stands before
 ///        its first "/" is dropped, and a path without one, the empty one included, is kept whole.
 /// @param recursive makes every missing directory above `path` as well, from the root on.
-/// @retval true `path` exists now
+/// @retval true what `path` stands for exists now
 /// @retval false a directory could not be made, with errno of that mkdir(); the ones made before
 ///         stay. Also where another process makes the same directory at the same moment.
 bool CheckCreateDir(std::string path, bool recursive);
@@ -467,7 +471,8 @@ struct Exportdata;
 
 /// Reads an option that lists NFS exports: path "," mode, and further pairs after one more ","
 /// each. The mode is exactly "ro", "rw" or "disabled". Inside a field, `\,` stands for a comma and
-/// `\\` for a backslash. `/home/ann,rw,/media/usb,ro` makes the records (`/home/ann`, 2) and
+/// `\\` for a backslash; any other backslash stands for itself. A last field of the byte 0xFF alone
+/// counts as empty. `/home/ann,rw,/media/usb,ro` makes the records (`/home/ann`, 2) and
 /// (`/media/usb`, 1).
 ///
 /// @ingroup host
