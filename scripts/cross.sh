@@ -234,6 +234,7 @@ macos() {
 [ $# -gt 0 ] || { sed -n '2,/^set /s/^# \{0,1\}//p' "$0" >&2; exit 2; }
 mkdir -p "$work"
 for target in "$@"; do
+  unset PKG_CONFIG_SYSROOT_DIR PKG_CONFIG_LIBDIR  # of the target before
   case $target in
     aarch64) emulated aarch64-linux-gnu aarch64-linux-gnu arm64 bookworm qemu-aarch64 ;;
     armhf) emulated arm-linux-gnueabihf arm-linux-gnueabihf armhf bookworm qemu-arm ;;
