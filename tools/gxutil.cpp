@@ -187,7 +187,7 @@ std::function<char()> SeparatorOption(CLI::App& command) {
 
 Switch NullOption(CLI::App& command) {
   const CLI::Option* flag =
-      command.add_flag("-0,--null", "End each item with NUL, not a line feed");
+      command.add_flag("-0,--null")->description("End each item with NUL, not a line feed");
   return [flag] { return flag->count() != 0; };
 }
 

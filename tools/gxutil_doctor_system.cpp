@@ -35,7 +35,7 @@ std::string InLocale(const char* text) { return GXUtils::Transcode("UTF-8", "", 
 // Whether the locale's encoding has letters outside ASCII: Latin, Greek, Cyrillic, Hebrew, Arabic,
 // Thai, Japanese or Chinese ones.
 bool HasMoreThanAscii() {
-  const char* const letters[] = {u8"ä", u8"ł", u8"ω", u8"я", u8"א", u8"ا", u8"ก", u8"あ", u8"漢"};
+  const char* const letters[] = {"ä", "ł", "ω", "я", "א", "ا", "ก", "あ", "漢"};
   return std::any_of(std::begin(letters), std::end(letters), [](const char* letter) {
     const std::string bytes = InLocale(letter);
     return !bytes.empty() && static_cast<unsigned char>(bytes[0]) >= 0x80;
@@ -44,7 +44,7 @@ bool HasMoreThanAscii() {
 
 // What becomes of a character that the locale's encoding does not have.
 std::string WithMissingCharacters() {
-  const char* const sample = u8"a😀b";
+  const char* const sample = "a😀b";
   const std::string converted = InLocale(sample);
   if (converted == sample || converted.size() > 3) return "has every character";
   if (converted == "ab") return "leaves out characters that it does not have";

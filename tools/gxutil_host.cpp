@@ -47,7 +47,8 @@ int ShowFile(const std::string& path) {
 void AddFileCommands(CLI::App& app) {
   Add(app, "check-create-dir", "Make sure that a directory exists", [](CLI::App& command) {
     const auto path = Operand(command, "PATH", "The directory, absolute");
-    const auto* recursive = command.add_flag("-r,--recursive", "Make those above it as well");
+    const auto* recursive =
+        command.add_flag("-r,--recursive")->description("Make those above it as well");
     command.footer(
         "With -r a path that does not begin with a slash counts from the root directory,\n"
         "without what stands before its first slash.");
