@@ -175,9 +175,9 @@ TEST(Hostile, AFailedStartWritesItsErrorAlone) {
     (void)std::setvbuf(stderr, buffer, _IOFBF, sizeof buffer);
     (void)std::fputs("waits for the end", stderr);
     std::string output;
-    EXPECT_EQ(System("no-such-program", &output), -2);
+    EXPECT_EQ(System("/no/such/program", &output), -2);
     EXPECT_EQ(output, "");
-    EXPECT_EQ(SystemNowait("no-such-program"), -2);
+    EXPECT_EQ(SystemNowait("/no/such/program"), -2);
   }));
   EXPECT_EQ(testing::internal::GetCapturedStderr(), std::strerror(ENOENT) + "\nwaits for the end"s);
 }

@@ -27,7 +27,7 @@ TEST(SystemNowait, WritesTheTextOfAnyErrorCutAtACharacter) {
   for (const std::string& text : {longest, longest + "x", umlauts}) {
     fakeErrorText = text;
     const Failing translated("strerror", 1, 0);
-    EXPECT_EQ(GXUtils::SystemNowait("no-such-program"), -2);
+    EXPECT_EQ(GXUtils::SystemNowait("/no/such/program"), -2);
   }
   const Failing unusual("execvp", 1, ENOTUNIQ);
   const Failing limit("alarm", 1, 0);  // set before anything is written
