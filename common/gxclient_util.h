@@ -20,7 +20,8 @@
 ///   System() changes the action for SIGCHLD while it runs; calcHomeDir() and calcRunningUser()
 ///   read the environment, the locale and the password database. The others may run on any thread,
 ///   as long as the objects passed by reference or pointer are not shared, and nothing that they
-///   read is changed meanwhile: the environment (the runners, Which(), ShowInFileManager()), the
+///   read is changed meanwhile: the environment (the runners, Which(), ShowInFileManager(); also
+///   Transcode(), ToLower() and what logs, as the C library looks for its settings there), the
 ///   locale (SystemNowait(), CompareHexStrings(), Transcode(), ToLower(), HexASCIIToString()) or
 ///   `gxclient_prefix` (AddPathPrefix()).
 ///
@@ -117,7 +118,8 @@ void CloseAllFds(int firstFd, int keepFd);
 /// given, its standard output (error) goes into a new pipe, which ends when the program and
 /// whatever it started have closed it. The call blocks until the program has been executed or has
 /// failed to, and after a failure for up to a second more, in which the child writes its error. It
-/// leaves the action for SIGCHLD alone and may run on any thread. This form allocates no memory.
+/// leaves the action for SIGCHLD alone and may run on any thread. This form needs no memory
+/// from the heap.
 ///
 /// The out-pointers are written on success only, with ordinary blocking descriptors, not
 /// close-on-exec.
@@ -287,17 +289,19 @@ int CompareHexStrings(const char* first, const char* second);
 /// glibc reports a text in which something was dropped or is invalid as bad input, with these
 /// exceptions. Between UTF-8 and the encodings of the UCS-4 family, and within either, values above
 /// the range of Unicode are converted like characters, as surrogates are within that family; values
-/// from 0x80000000 on in UCS-4 vanish without a line. And a text of more than about 8,000
-/// characters is converted in blocks: a character that the target does not have then ends the
-/// conversion with its block, and an invalid byte vanishes without a line unless it is in the last
-/// block.
+/// from 0x80000000 on in UCS-4 vanish without a line. So do the tag characters, U+E0000 to U+E007F,
+/// where the target does not have them. And a text of more than about 8,000 characters is converted
+/// in blocks: a character that the target does not have then ends the conversion with its block,
+/// and an invalid byte vanishes without a line unless it is in the last block.
 ///
 /// Where iconv cannot convert between UTF-8 and the locale's encoding at all (both names empty or
 /// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
 /// at most `outlen` - 1 bytes of the input are then looked at.
 ///
-/// Targets with a shift state (UTF-7, ISO-2022-JP and the like) lose what a final flush would
-/// write.
+/// What iconv holds back until a final call is lost, without a line: the last shift of a target
+/// that has shifts (UTF-7, ISO-2022-JP and the like), and a last letter that another one may join
+/// (from CP1255, CP1258 and TCVN, to EUC-JISX0213, BIG5-HKSCS and the like). "a" is the empty text
+/// when it comes from CP1258.
 ///
 /// Every problem is a line logged with level 2, and what was converted so far stays in the buffer:
 /// - "iconv: Insufficient space": the text does not fit, or iconv left some of it over
@@ -311,7 +315,7 @@ void Transcode(const char* from, const char* to, const void* in, unsigned long i
                unsigned long outlen);
 
 /// The same for a whole string. The converted text has room for 4 bytes for each byte of `in` and 8
-/// more, which no ordinary encoding exceeds.
+/// more, which is too little for few texts, such as one of many shifts in ISO-2022-JP.
 ///
 /// @return the converted text up to its first zero byte: for targets without zero bytes (UTF-8, the
 ///         locale's encoding, single-byte sets), not for 16-bit ones. Empty when iconv cannot

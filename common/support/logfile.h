@@ -12,7 +12,8 @@ class Logfile {
   /// message are written as "\n" and "\r", so that a call is always one line. The module uses the
   /// levels 2 and 4; they are written and mean nothing here.
   ///
-  /// May be called from several threads at once: their lines do not mix. A line that cannot be
+  /// May be called from several threads at once: their lines do not mix. Not while another thread
+  /// changes the environment, where the C library looks for the time zone. A line that cannot be
   /// written is lost without notice.
   void Log(std::string message, int level);
 };
