@@ -6,7 +6,6 @@
 #include <fstream>
 #include <iterator>
 
-#include <iconv.h>
 #include <langinfo.h>
 #include <nettle/version.h>
 #include <sys/utsname.h>
@@ -17,6 +16,7 @@
 
 #include "gxclient_util.h"
 #include "gxutil_doctor.h"
+#include "internal/iconv_descriptor.h"
 
 extern "C" char** environ;
 
@@ -26,8 +26,7 @@ namespace {
 constexpr char kUtf8Advice[] = "Set LANG to a UTF-8 locale, such as C.UTF-8, and log in again.";
 
 bool Converts(const char* from, const char* to) {
-  const iconv_t descriptor = iconv_open(to, from);
-  return descriptor != reinterpret_cast<iconv_t>(-1) && iconv_close(descriptor) == 0;
+  return GXSupport::IconvDescriptor(from, to).IsOpen();
 }
 
 std::string InLocale(const char* text) { return GXUtils::Transcode("UTF-8", "", text); }

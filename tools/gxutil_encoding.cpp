@@ -1,10 +1,12 @@
 // Character sets, codecs and digests. The commands are filters: they read the standard input where
 // no text is given, and print bytes as they are.
 
+#include <cerrno>
 #include <utility>
 
 #include "gxclient_util.h"
 #include "gxutil.h"
+#include "internal/iconv_descriptor.h"
 
 namespace gxutil {
 namespace {
@@ -17,24 +19,63 @@ int PrintDecoded(const std::string& text, const std::string& bytes, const std::s
   return Fail("a line feed is not part of the text; tr -d '\\r\\n' takes it out");
 }
 
-// Prints the text that the string form returns. It ends at the first zero byte; whether there was
-// more is known from a buffer that the printed text fills.
+struct WholeConversion {
+  std::size_t size = 0;
+  std::string trouble;  // what the module's conversion loses and does not log; empty: nothing
+};
+
+// Converts all of a text as the module does not: without leaving anything out, and with a last call
+// for what iconv holds back, such as a letter that an accent may follow.
+WholeConversion ConvertWhole(const std::string& from, const std::string& to,
+                             const std::string& text) {
+  using GXSupport::Normalised;
+  const GXSupport::IconvDescriptor descriptor(Normalised(from.c_str()), Normalised(to.c_str()));
+  WholeConversion whole;
+  if (!descriptor.IsOpen()) return whole;
+  char piece[4096];
+  const char* const end = text.data() + text.size();
+  GXSupport::Conversion done;
+  done.inputLeft = text.size();
+  do {
+    done = descriptor.Convert(end - done.inputLeft, done.inputLeft, piece, sizeof piece);
+    whole.size += done.written;
+  } while (done.result == GXSupport::kIconvFailed && done.error == E2BIG);
+  if (done.result == GXSupport::kIconvFailed) {
+    whole.trouble = "a part of the text that cannot be converted is left out";
+  } else if (descriptor.Convert(nullptr, 0, piece, sizeof piece).written > 0) {
+    whole.trouble = "the end is missing: iconv holds it back until it is asked for it";
+  }
+  return whole;
+}
+
+// Prints the text that the string form returns, which ends at the first zero byte.
 int PrintTranscoded(const std::string& from, const std::string& to, const std::string& text) {
-  std::string converted = GXUtils::Transcode(from.c_str(), to.c_str(), text);
+  const std::string converted = GXUtils::Transcode(from.c_str(), to.c_str(), text);
   (void)PrintBytes(converted);
   if (HasLogged()) return 0;  // said already that something is lost
-  const KeptLog log;
-  GXUtils::Transcode(from.c_str(), to.c_str(), text.data(), text.size(), converted.data(),
-                     converted.size());
-  if (!log.Has("iconv: Insufficient space")) return 0;
+  const WholeConversion whole = ConvertWhole(from, to, text);
+  if (!whole.trouble.empty()) return Fail(whole.trouble);
+  if (whole.size == converted.size()) return 0;
   return Fail("the result is printed up to its first zero byte; -b SIZE prints a whole buffer");
+}
+
+int PrintBuffer(const std::string& from, const std::string& to, const std::string& text,
+                std::size_t size) {
+  std::string buffer(size, '\0');
+  GXUtils::Transcode(from.c_str(), to.c_str(), text.data(), text.size(), buffer.data(), size);
+  (void)PrintBytes(buffer);
+  if (HasLogged()) return 0;
+  const std::string trouble = ConvertWhole(from, to, text).trouble;
+  return trouble.empty() ? 0 : Fail(trouble);
 }
 
 int PrintLowered(std::string text) {
   if (text.find('\0') != std::string::npos) {
     return Fail("the text has a NUL byte, at which the result would end");
   }
-  return PrintBytes(GXUtils::ToLower(std::move(text)));
+  const std::string trouble = ConvertWhole("UTF-8", "UCS-2", text).trouble;
+  (void)PrintBytes(GXUtils::ToLower(std::move(text)));
+  return HasLogged() || trouble.empty() ? 0 : Fail(trouble);
 }
 
 std::string HexDigest(const std::string& data) {
@@ -83,13 +124,13 @@ void AddEncodingCommands(CLI::App& app) {
     const auto* size = command.add_option("-b,--buffer", "Print a whole buffer of this size")
                            ->option_text("SIZE")
                            ->check(CLI::Range(0, 1 << 30));
+    command.footer(
+        "Characters that cannot be converted are left out, or end the result. What an\n"
+        "encoding writes at the end of a text (UTF-7) or holds back there for what could\n"
+        "follow (CP1258) is missing. The exit status is 1 then.");
     return [=] {
       if (size->count() == 0) return PrintTranscoded(from(), to(), text());
-      const std::string in = text();
-      std::string buffer(size->as<std::size_t>(), '\0');
-      GXUtils::Transcode(from().c_str(), to().c_str(), in.data(), in.size(), buffer.data(),
-                         buffer.size());
-      return PrintBytes(buffer);
+      return PrintBuffer(from(), to(), text(), size->as<std::size_t>());
     };
   });
   Add(app, "to-lower", "Lower the letters of a UTF-8 text", [](CLI::App& command) {
