@@ -22,8 +22,8 @@
 ///   as long as the objects passed by reference or pointer are not shared, and nothing that they
 ///   read is changed meanwhile: the environment (the runners, Which(), ShowInFileManager(); also
 ///   Transcode(), ToLower() and what logs, as the C library looks for its settings there), the
-///   locale (SystemNowait(), CompareHexStrings(), Transcode(), ToLower(), HexASCIIToString()) or
-///   `gxclient_prefix` (AddPathPrefix()).
+///   locale (SystemNowait(), CompareHexStrings(), Transcode(), ToLower(), HexASCIIToString(),
+///   GetBogoMips()) or `gxclient_prefix` (AddPathPrefix()).
 ///
 /// The types of the client that a caller meets have headers of their own: `support/gxexception.h`
 /// and `support/exportdata.h`.
@@ -67,10 +67,11 @@ std::vector<std::string> SplitCommandLine(std::string commandLine);
 /// blocks until the program has exited and every process that inherited its output has closed it.
 ///
 /// @param output what the program wrote is appended as it arrives, whatever the result, in pieces
-///        of at most 255 bytes; a NUL byte and what follows it in its piece are lost. Null: the
-///        output is thrown away. A read that fails or is interrupted by a signal ends the capture;
-///        it is not retried. The pipe is then closed: a program that writes on is ended by SIGPIPE
-///        (result -1), or gets EPIPE where it ignores that signal.
+///        of at most 255 bytes; a NUL byte and what follows it in its piece are lost. No string of
+///        `argv` is part of it. Null: the output is thrown away. A read that fails or is
+///        interrupted by a signal ends the capture; it is not retried. The pipe is then closed: a
+///        program that writes on is ended by SIGPIPE (result -1), or gets EPIPE where it ignores
+///        that signal.
 /// @param exitCode receives the exit status (0 to 255) when the result is 0 or -2, otherwise it is
 ///        not written.
 /// @retval 0 the program exited with a status other than 127 and 128
@@ -286,13 +287,14 @@ int CompareHexStrings(const char* first, const char* second);
 /// as not reversible, and in "UCS-2" by U+FFFD, which does not). There is exactly one call of
 /// iconv().
 ///
-/// glibc reports a text in which something was dropped or is invalid as bad input, with these
-/// exceptions. Between UTF-8 and the encodings of the UCS-4 family, and within either, values above
-/// the range of Unicode are converted like characters, as surrogates are within that family; values
-/// from 0x80000000 on in UCS-4 vanish without a line. So do the tag characters, U+E0000 to U+E007F,
-/// where the target does not have them. And a text of more than about 8,000 characters is converted
-/// in blocks: a character that the target does not have then ends the conversion with its block,
-/// and an invalid byte vanishes without a line unless it is in the last block.
+/// glibc reports a text in which something was dropped or is invalid as bad input, with exceptions
+/// such as these. Between UTF-8 and the encodings of the UCS-4 family, and within either, values
+/// above the range of Unicode are converted like characters, as surrogates are within that family;
+/// values from 0x80000000 on in UCS-4 vanish, mostly without a line. So do the tag characters,
+/// U+E0000 to U+E007F, where the target does not have them. And a text of more than about 8,000
+/// characters is converted in blocks: a character that the target does not have then ends the
+/// conversion with its block, and an invalid byte vanishes without a line unless it is in the last
+/// block.
 ///
 /// Where iconv cannot convert between UTF-8 and the locale's encoding at all (both names empty or
 /// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
@@ -303,7 +305,8 @@ int CompareHexStrings(const char* first, const char* second);
 /// (from CP1255, CP1258 and TCVN, to EUC-JISX0213, BIG5-HKSCS and the like). "a" is the empty text
 /// when it comes from CP1258.
 ///
-/// Every problem is a line logged with level 2, and what was converted so far stays in the buffer:
+/// What iconv reports is a line logged with level 2, and what was converted so far stays in the
+/// buffer:
 /// - "iconv: Insufficient space": the text does not fit, or iconv left some of it over
 /// - "iconv: Bad input data": invalid or incomplete input, or something dropped
 /// - "iconv: Non-reversible conversion performed": characters were replaced by others
@@ -409,9 +412,9 @@ bool CheckCreateDir(std::string path, bool recursive);
 /// Creates an empty file with a new name in /tmp: "/tmp/", `name` and six characters, mode 0600.
 ///
 /// The template, "/tmp/", `name` and "XXXXXX", is cut to 511 bytes. So a `name` of more than 500
-/// bytes is refused, unless what is left of it happens to end in "XXXXXX". One with "/" in it names
-/// a file in a directory below /tmp, which has to exist; with ".." in it, that leads out of /tmp.
-/// The file is the caller's to remove.
+/// bytes, or with a NUL byte, is refused, unless what is left of it happens to end in "XXXXXX". One
+/// with "/" in it names a file in a directory below /tmp, which has to exist; with ".." in it, that
+/// leads out of /tmp. The file is the caller's to remove.
 ///
 /// @param fd receives the descriptor, open for reading and writing and not close-on-exec, which is
 ///        the caller's from then on; -1 on failure. Null: the file is closed.

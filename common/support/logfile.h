@@ -14,7 +14,7 @@ class Logfile {
   ///
   /// May be called from several threads at once: their lines do not mix. Not while another thread
   /// changes the environment, where the C library looks for the time zone. A line that cannot be
-  /// written is lost without notice.
+  /// written is lost without notice, but SIGPIPE ends a client that does nothing about it.
   void Log(std::string message, int level);
 };
 

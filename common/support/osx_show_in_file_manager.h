@@ -10,9 +10,9 @@
 /// On macOS it runs `open -R`. Elsewhere `dbus-send` asks the file manager through the interface
 /// org.freedesktop.FileManager1 (freedesktop.org, File Manager DBus Interface), where the session
 /// has a bus. Where that fails, `xdg-open` opens the directory that holds the item, provided
-/// DISPLAY or WAYLAND_DISPLAY is set; it and the file manager it becomes run detached from the
-/// client. The programs are found along PATH, get no descriptor of the client and write nothing to
-/// its streams.
+/// DISPLAY or WAYLAND_DISPLAY is set and not empty; it and the file manager it becomes run detached
+/// from the client. The programs are found along PATH, get no descriptor of the client and write
+/// nothing to its streams.
 ///
 /// A relative path counts from the working directory. The path ends at its first NUL byte; every
 /// other byte is part of a name, whatever the encoding.
