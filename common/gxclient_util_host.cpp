@@ -97,7 +97,7 @@ bool CheckCreateDir(std::string path, bool recursive) {
   // walk takes every path as absolute, on purpose.
   const std::size_t slash = path.find('/');
   if (slash == std::string::npos) return EnsureEveryDirectory("/" + path);
-  return EnsureEveryDirectory(path.erase(0, slash));
+  return EnsureEveryDirectory(std::move(path.erase(0, slash)));
 }
 
 std::string GenerateTempFile(std::string name, int* fd) {

@@ -290,7 +290,8 @@ bool CheckFileExist(std::string path) {
 bool CheckFileExecutable(std::string path) { return IsExecutable(path); }
 
 std::string Which(std::string name) {
-  if (!name.empty() && name.front() == '/') return IsExecutable(name) ? name : std::string();
+  if (!name.empty() && name.front() == '/')
+    return IsExecutable(name) ? std::move(name) : std::string();
   const char* path = std::getenv("PATH");
   if (path == nullptr) return {};
   for (std::string& candidate : SplitString(path, ':')) {
