@@ -105,10 +105,11 @@ void Show(const Desktop& desktop) {
 
 TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
   std::filesystem::current_path(kTop.path);
-  ASSERT_EQ(std::system("mkdir s x sx u l && mkfifo calls gate && ln -s ../u/bus /no/such l &&"
-                        "for program in s/dbus-send sx/dbus-send x/xdg-open sx/xdg-open; do"
-                        "  ln -s '" DESKTOP "/program' $program; done"),
-            0);
+  const std::string makeDesktop =
+      "mkdir s x sx u l && mkfifo calls gate && ln -s ../u/bus /no/such l &&"
+      "for program in s/dbus-send sx/dbus-send x/xdg-open sx/xdg-open; do ln -s '"s +
+      DESKTOP + "/program' $program; done";
+  ASSERT_EQ(std::system(makeDesktop.c_str()), 0);
   ASSERT_EQ(mknod("u/bus", S_IFSOCK | 0600, 0) + mknod(kName.c_str(), S_IFREG, 0), 0);
   calls.Reset(open("calls", O_RDWR));
   gate.Reset(open("gate", O_RDWR));
