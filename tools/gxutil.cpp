@@ -201,6 +201,9 @@ std::vector<std::string> OperandList::Get() const {
   std::vector<std::string> operands = command_->remaining();
   if (AfterDashes()) operands.erase(operands.begin());
   std::replace(operands.begin(), operands.end(), kDashes, "--"s);  // came after an operand
+  const bool isOption =
+      !AfterDashes() && !operands.empty() && operands[0].size() > 1 && operands[0][0] == '-';
+  if (isOption) throw CLI::ExtrasError({operands[0]});
   return operands;
 }
 

@@ -42,7 +42,7 @@ WholeConversion ConvertWhole(const std::string& from, const std::string& to,
   } while (done.result == GXSupport::kIconvFailed && done.error == E2BIG);
   if (done.result == GXSupport::kIconvFailed) {
     whole.trouble = "a part of the text that cannot be converted is left out";
-  } else if (descriptor.Convert(nullptr, 0, piece, sizeof piece).written > 0) {
+  } else if (!text.empty() && descriptor.Convert(nullptr, 0, piece, sizeof piece).written > 0) {
     whole.trouble = "the end is missing: iconv holds it back until it is asked for it";
   }
   return whole;

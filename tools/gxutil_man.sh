@@ -44,7 +44,8 @@ names=$("$@" --help | sed -n '/^Commands:$/,/^$/s/^  \([a-z][^ ]*\).*/\1/p')
 version=$("$@" --version | escaped)
 commands=$(
   for name in $names; do
-    "$@" "$name" --help | command_as_roff
+    help=$("$@" "$name" --help) || exit 1
+    printf '%s\n' "$help" | command_as_roff
   done
 )
 

@@ -1,6 +1,7 @@
 // Splitting, joining, trimming and comparing text.
 
 #include <charconv>
+#include <cstdio>
 #include <cstring>
 #include <system_error>
 
@@ -17,7 +18,7 @@ int PrintSign(int order) { return PrintLine(std::to_string((order > 0) - (order 
 
 int PrintInputLines(bool endWithNul) {
   std::string pending;
-  char chunk[256];
+  char chunk[65536];  // a long line takes as many searches as it has chunks
   for (;;) {
     const ssize_t count = read(STDIN_FILENO, chunk, sizeof chunk - 1);
     if (count < 0) return Fail("the standard input cannot be read");
@@ -27,6 +28,7 @@ int PrintInputLines(bool endWithNul) {
     }
     chunk[count] = '\0';
     (void)PrintLines(GXUtils::StringLines(chunk, &pending), endWithNul);
+    if (std::ferror(stdout) != 0) return kFailure;  // which main() reports
   }
   return PrintBytes(pending);  // a last line without a line end
 }
