@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Runs the tests under valgrind, installing first what that needs. Fails where memory is misused or
+# Runs the tests of tests/ under valgrind, installing first what that needs. Fails where memory is misused or
 # lost, in forked children as well, and where a program ends with a descriptor open that it opened.
-# With --transcript it runs every gxutil that the transcript calls instead, which takes minutes.
+# With --transcript it follows the transcript instead, which takes minutes: what it calls as gxutil, not
+# as "$gxutil" or behind env.
 # usage: scripts/valgrind.sh [--transcript]
 set -euo pipefail
 cd "$(dirname "$0")/.."
