@@ -90,7 +90,7 @@ void Write(const char* text) { (void)!write(STDOUT_FILENO, text, std::strlen(tex
 }
 
 int Examine() {
-  constexpr unsigned kLongest = 30;  // seconds: a dead network mount would hold it for ever
+  constexpr unsigned kLongest = 30;  // seconds: a lookup over the network may take for ever
   GXSupport::LimitLifetime(kLongest, EndLate);
   const KeptLog log;  // the facts say what is wrong
   int status = 0;
@@ -110,8 +110,8 @@ void AddDoctorCommand(CLI::App& app) {
     command.footer(
         "A second line tells what to do about what is wrong; the exit status is 1 then.\n"
         "Makes nothing but a file in /tmp, which it removes again. Where a fact takes too\n"
-        "long, as on a dead network mount, the command ends after 30 seconds and says\n"
-        "which one it was.");
+        "long, the command ends after 30 seconds and says which one it was. A dead mount\n"
+        "may hold it longer: look at what comes after the last line.");
     return [] { return Examine(); };
   });
 }
