@@ -119,8 +119,8 @@ void CloseAllFds(int firstFd, int keepFd);
 /// given, its standard output (error) goes into a new pipe, which ends when the program and
 /// whatever it started have closed it. The call blocks until the program has been executed or has
 /// failed to, and after a failure for up to a second more, in which the child writes its error. It
-/// leaves the action for SIGCHLD alone and may run on any thread. This form needs no memory
-/// from the heap.
+/// leaves the action for SIGCHLD alone and may run on any thread. This form needs no memory from
+/// the heap.
 ///
 /// The out-pointers are written on success only, with ordinary blocking descriptors, not
 /// close-on-exec.
