@@ -105,7 +105,7 @@ std::string GenerateTempFile(std::string name, int* fd) {
   path.resize(std::min(path.size(), kMaxTempPath));
   UniqueFd file(mkstemp(path.data()));
   const bool made = file.Get() >= 0;
-  if (made) (void)fchmod(file.Get(), kTempFileMode);  // the umask may have left less
+  if (made) (void)chmod(path.c_str(), kTempFileMode);  // the umask may have left less
   if (fd != nullptr) *fd = file.Release();
   if (!made) return {};
   path.resize(std::strlen(path.c_str()));
