@@ -196,8 +196,8 @@ std::vector<std::string> SplitString(std::string text, char separator);
 std::string Strip(std::string text, std::string set);
 
 /// Replaces every occurrence of `pattern` in `text` that overlaps none before it, from left to
-/// right; what was inserted is not searched again. An empty pattern changes nothing. `pattern` and
-/// `replacement` may point into `text`.
+/// right; what was inserted is not searched again. An empty pattern changes nothing. Neither
+/// `pattern` nor `replacement` may point into `text`.
 ///
 /// @return a copy of the rewritten text.
 std::string ReplaceInString(std::string& text, const char* pattern, const char* replacement);
