@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 #include <fcntl.h>
@@ -160,17 +161,6 @@ int ReportExit(const char* program, int status, int* exitCode) {
   return 0;
 }
 
-// The first `byte` from `start` on; `end` when there is none.
-const char* Find(char byte, const char* start, const char* end) {
-  const void* found = std::memchr(start, byte, static_cast<std::size_t>(end - start));
-  return found != nullptr ? static_cast<const char*>(found) : end;
-}
-
-// What follows a separator; `end` stands for one that was not found.
-const char* Behind(const char* separator, const char* end) {
-  return separator == end ? end : separator + 1;
-}
-
 void AddCommandLine(ArgVector& arguments, std::string commandLine) {
   for (std::string& argument : SplitCommandLine(std::move(commandLine))) {
     arguments.addArgument(std::move(argument));
@@ -181,23 +171,19 @@ void AddCommandLine(ArgVector& arguments, std::string commandLine) {
 
 std::vector<std::string> SplitCommandLine(std::string commandLine) {
   std::vector<std::string> arguments;
-  const char* next = commandLine.data();
-  const char* const end = next + commandLine.size();
-  while (next != end) {
-    if (*next == '"') {
-      const char* quote = Find('"', next + 1, end);
-      if (quote != end) {
-        arguments.emplace_back(next + 1, quote);
-        next = quote + 1;
-        continue;
-      }
-      // Never closed: the field is lost. No quote is left, so this search is made once.
-      next = Behind(Find(' ', next + 1, end), end);
+  std::string_view rest = commandLine;
+  while (!rest.empty()) {
+    const bool isQuoted = rest.front() == '"';
+    const std::size_t quote = isQuoted ? rest.find('"', 1) : std::string_view::npos;
+    if (quote != std::string_view::npos) {
+      arguments.emplace_back(rest.substr(1, quote - 1));
+      rest.remove_prefix(quote + 1);
       continue;
     }
-    const char* space = Find(' ', next, end);
-    if (space != next) arguments.emplace_back(next, space);
-    next = Behind(space, end);
+    const std::size_t end = std::min(rest.find(' '), rest.size());
+    // An unclosed quote drops its field.
+    if (!isQuoted && end > 0) arguments.emplace_back(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
   }
   return arguments;
 }
