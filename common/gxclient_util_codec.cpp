@@ -84,13 +84,6 @@ constexpr HexTable kHex = MakeHexTable();
 
 const Byte* Bytes(const std::string& text) { return reinterpret_cast<const Byte*>(text.data()); }
 
-// Written out, so that compilers see a single load.
-std::uint64_t LoadBigEndian(const Byte* in) {
-  using Word = std::uint64_t;
-  return Word{in[0]} << 56 | Word{in[1]} << 48 | Word{in[2]} << 40 | Word{in[3]} << 32 |
-         Word{in[4]} << 24 | Word{in[5]} << 16 | Word{in[6]} << 8 | Word{in[7]};
-}
-
 void StoreBigEndian(char* out, std::uint32_t value) {
   out[0] = static_cast<char>(value >> 24);
   out[1] = static_cast<char>(value >> 16);
@@ -99,59 +92,28 @@ void StoreBigEndian(char* out, std::uint32_t value) {
 }
 
 // Not memcpy: with _FORTIFY_SOURCE GCC makes a slower loop of it, by a third.
-void PutPair(char* out, std::uint64_t bits) {
-  std::copy_n(kPairs[bits & 4095].digits, sizeof(DigitPair), out);
+void PutPair(char* out, std::uint32_t bits) {
+  std::copy_n(kPairs[bits].digits, sizeof(DigitPair), out);
 }
 
-// Encodes six bytes. It reads two more, which have to be there and do not count.
-void EncodeSix(const Byte* in, char* out) {
-  const std::uint64_t bits = LoadBigEndian(in);
-  PutPair(out, bits >> 52);
-  PutPair(out + 2, bits >> 40);
-  PutPair(out + 4, bits >> 28);
-  PutPair(out + 6, bits >> 16);
-}
-
-// Encodes a group of one to three bytes.
-void EncodeGroup(const Byte* in, std::size_t count, char* out) {
+// Encodes the one or two bytes of the last group.
+void EncodePadded(const Byte* in, std::size_t count, char* out) {
   const unsigned second = count > 1 ? in[1] : 0;
-  const unsigned third = count > 2 ? in[2] : 0;
-  out[0] = kAlphabet[in[0] >> 2];
-  out[1] = kAlphabet[(in[0] & 3U) << 4 | second >> 4];
-  out[2] = kAlphabet[count > 1 ? (second & 15) << 2 | third >> 6 : kPad];
-  out[3] = kAlphabet[count > 2 ? third & 63 : kPad];
-}
-
-constexpr std::size_t EncodedSize(std::size_t size) { return (size + 2) / 3 * 4; }
-
-void EncodeInto(char* out, const Byte* in, std::size_t size) {
-  // Two at a time read 14 bytes: the 12 that they encode and the 2 behind them.
-  for (; size >= 14; size -= 12, in += 12, out += 16) {
-    EncodeSix(in, out);
-    EncodeSix(in + 6, out + 8);
-  }
-  for (; size > 3; size -= 3, in += 3, out += 4) EncodeGroup(in, 3, out);
-  if (size > 0) EncodeGroup(in, size, out);
+  PutPair(out, in[0] << 4 | second >> 4);
+  out[2] = kAlphabet[count > 1 ? (second & 15) << 2 : kPad];
+  out[3] = kAlphabet[kPad];
 }
 
 std::string Encode(const Byte* in, std::size_t size) {
   if (size > std::string().max_size() / 4 * 3) throw std::length_error("the data is too long");
-  constexpr std::size_t kPieceSize = 3072;  // a multiple of 3: only the last piece is padded
-  if (size <= kPieceSize) {
-    std::string text(EncodedSize(size), '\0');
-    EncodeInto(text.data(), in, size);
-    return text;
+  std::string text((size + 2) / 3 * 4, '\0');
+  char* out = text.data();
+  for (; size >= 3; size -= 3, in += 3, out += 4) {
+    const std::uint32_t bits = std::uint32_t{in[0]} << 16 | std::uint32_t{in[1]} << 8 | in[2];
+    PutPair(out, bits >> 12);
+    PutPair(out + 2, bits & 4095);
   }
-  // resize() fills with zeros first: piece by piece, they are still in the cache when the text is
-  // written over them.
-  std::string text;
-  text.reserve(EncodedSize(size));
-  for (std::size_t done = 0; done < size; done += kPieceSize) {
-    const std::size_t piece = std::min(size - done, kPieceSize);
-    const std::size_t start = text.size();
-    text.resize(start + EncodedSize(piece));
-    EncodeInto(&text[start], in + done, piece);
-  }
+  if (size > 0) EncodePadded(in, size, out);
   return text;
 }
 
