@@ -92,14 +92,13 @@ void StoreBigEndian(char* out, std::uint32_t value) {
 }
 
 // Not memcpy: with _FORTIFY_SOURCE GCC makes a slower loop of it, by a third.
-void PutPair(char* out, std::uint32_t bits) {
-  std::copy_n(kPairs[bits].digits, sizeof(DigitPair), out);
-}
+void PutPair(char* out, unsigned bits) { std::copy_n(kPairs[bits].digits, sizeof(DigitPair), out); }
 
 // Encodes the one or two bytes of the last group.
 void EncodePadded(const Byte* in, std::size_t count, char* out) {
+  const unsigned first = in[0];
   const unsigned second = count > 1 ? in[1] : 0;
-  PutPair(out, in[0] << 4 | second >> 4);
+  PutPair(out, first << 4 | second >> 4);
   out[2] = kAlphabet[count > 1 ? (second & 15) << 2 : kPad];
   out[3] = kAlphabet[kPad];
 }
@@ -108,12 +107,15 @@ std::string Encode(const Byte* in, std::size_t size) {
   if (size > std::string().max_size() / 4 * 3) throw std::length_error("the data is too long");
   std::string text((size + 2) / 3 * 4, '\0');
   char* out = text.data();
-  for (; size >= 3; size -= 3, in += 3, out += 4) {
-    const std::uint32_t bits = std::uint32_t{in[0]} << 16 | std::uint32_t{in[1]} << 8 | in[2];
-    PutPair(out, bits >> 12);
-    PutPair(out + 2, bits & 4095);
+  const std::size_t rest = size % 3;
+  const Byte* const end = in + (size - rest);
+  for (; in != end; in += 3, out += 4) {
+    const unsigned first = in[0];
+    const unsigned second = in[1];
+    PutPair(out, first << 4 | second >> 4);
+    PutPair(out + 2, (second & 15) << 8 | in[2]);
   }
-  if (size > 0) EncodePadded(in, size, out);
+  if (rest > 0) EncodePadded(in, rest, out);
   return text;
 }
 
