@@ -1,5 +1,5 @@
 /// @file
-/// What the tests share: failing calls, the captured log, a leak check, a body in a child.
+/// The former names of the harness, for tests that do not use the new ones yet.
 #pragma once
 
 #include <cerrno>
@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -18,58 +20,55 @@
 #include <unistd.h>
 
 #include "gxclient_util.h"
+#include "harness/fault.h"
 #include "harness/log.h"
+#include "harness/run.h"
+#include "harness/temp_dir.h"
 
 struct passwd;
 
-/// Makes the n-th coming call of one library function (or "new", any allocation) fail once; with 0
-/// none. Several may be armed. Calls of the test framework count as well: arm late, destroy early.
-class Failing {
- public:
-  Failing(const char* call, int nth, int error)
-      : call_(call), left_(nth), error_(error), next_(std::exchange(armed, this)) {}
-  ~Failing() { armed = next_; }
-  Failing& operator=(Failing&&) = delete;  // neither copied nor moved
-
-  bool Happened() const { return left_ <= 0; }
-
-  /// For the wrappers: whether this call of `call` is to fail; errno is set then.
-  static bool Now(const char* call);
-
- private:
-  inline static Failing* armed = nullptr;
-
-  const char* call_;
-  int left_, error_;
-  Failing* next_;
-};
-
-/// What an armed call of getpwnam(), getpwuid(), fopen() or strerror() gives.
 inline passwd* fakePasswd = nullptr;
-inline std::string lookedUp;  ///< the name or user id that was asked for
 inline std::FILE* fakeFile = nullptr;
 inline std::string fakeErrorText;
 
-/// An empty directory, removed with all that is in it when it goes out of scope.
-struct TempDir {
-  TempDir() { (void)!mkdtemp(path.data()); }
-  ~TempDir() { (void)std::filesystem::remove_all(path); }
-  TempDir& operator=(TempDir&&) = delete;  // neither copied nor moved
-  std::string path = "/tmp/gxclient_test.XXXXXX";
+class Failing {
+ public:
+  Failing(const char* call, int nth, int error) {
+    static const std::map<std::string, std::pair<Call, void*>> calls = {
+        {"fcntl", {Call::kFcntl, nullptr}},        {"fopen", {Call::kFopen, nullptr}},
+        {"fork", {Call::kFork, nullptr}},          {"getpwnam", {Call::kGetpwnam, nullptr}},
+        {"execvp", {Call::kExecvp, nullptr}},      {"getpwuid", {Call::kGetpwuid, nullptr}},
+        {"iconv", {Call::kIconv, nullptr}},        {"iconv_open", {Call::kIconvOpen, nullptr}},
+        {"mkdir", {Call::kMkdir, nullptr}},        {"new", {Call::kNew, nullptr}},
+        {"pipe", {Call::kPipe, nullptr}},          {"poll", {Call::kPoll, nullptr}},
+        {"read", {Call::kRead, nullptr}},          {"sigaction", {Call::kSigaction, nullptr}},
+        {"syscall", {Call::kCloseRange, nullptr}}, {"strerror", {Call::kStrerror, nullptr}},
+        {"waitpid", {Call::kWaitpid, nullptr}},
+    };
+    if (nth == 0 || *call == '\0') return;
+    void* answer = nullptr;
+    const Call which = calls.at(call).first;
+    if (which == Call::kFopen) answer = fakeFile;
+    if (which == Call::kGetpwnam || which == Call::kGetpwuid) answer = fakePasswd;
+    if (which == Call::kStrerror) answer = fakeErrorText.data();
+    fault_ = std::make_unique<Armed>(Fault{which, nth, error, answer});
+  }
+  ~Failing() { (void)Happened(); }
+  Failing& operator=(Failing&&) = delete;
+
+  bool Happened() const {
+    if (fault_) happened_ = fault_->Disarm();
+    fault_.reset();
+    return happened_;
+  }
+
+ private:
+  mutable std::unique_ptr<Armed> fault_;
+  mutable bool happened_ = true;
 };
 
-/// A handler for SIGCHLD that leaves no child to anybody else.
-void ReapAll(int signal);
-
-/// The descriptors that are open, with their flags, and the action for SIGCHLD.
-std::string ProcessState();
-
-/// Fails the test unless, when it goes out of scope, the state is as before and no child is left.
-struct LeakCheck {
-  ~LeakCheck();
-  const std::string before = ProcessState();
-};
-
-/// Runs `body` in a forked child, whose environment, limits and descriptors it may change. True
-/// when it came back without a failed expectation.
-bool PassesInChild(const std::function<void()>& body);
+inline void ReapAll(int) {
+  const int before = errno;
+  while (waitpid(-1, nullptr, WNOHANG) > 0) continue;
+  errno = before;
+}

@@ -2,7 +2,9 @@
 
 #include <string>
 
-/// What the module has logged since a test cleared it: of each line its level, message and "\n".
-/// The tests bring the client's log themselves, as README.md shows; this is what it does.
+/// The lines that the module has logged since a test cleared the text, as in "2 message\n" for a
+/// message with level 2. The tests define the client's log themselves, as a client may.
 extern std::string logged;
-extern bool logThrows;  ///< each call throws a std::runtime_error once its line is taken
+
+/// Makes each call of the log throw "log failed" once it has taken its line.
+extern bool logThrows;

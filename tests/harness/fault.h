@@ -1,0 +1,64 @@
+/// @file
+/// Library calls that a test makes fail, or answers itself.
+#pragma once
+
+#include <cerrno>
+#include <string>
+
+/// The calls that a test can make fail. kNew is any allocation.
+enum class Call {
+  kCloseRange,
+  kExecvp,
+  kFcntl,
+  kFopen,
+  kFork,
+  kGetpwnam,
+  kGetpwuid,
+  kIconv,
+  kIconvOpen,
+  kMkdir,
+  kNew,
+  kPipe,
+  kPoll,
+  kRead,
+  kSigaction,
+  kStrerror,
+  kWaitpid,
+};
+
+constexpr int kEachTime = 0;
+
+/// One call that fails, or has the answer of the test.
+struct Fault {
+  Call call;
+  int nth = 1;  ///< from now on; or kEachTime
+  int error = EINTR;
+  /// The result of fopen(), getpwnam(), getpwuid() and strerror().
+  void* answer = nullptr;
+  // With the error 0, poll() reports that the time is up, and iconv() that it has converted
+  // nothing and replaced two characters.
+};
+
+/// Arms a fault while it exists. Calls of the test framework count as well: arm late, disarm early.
+class Armed {
+ public:
+  explicit Armed(const Fault& fault);
+  Armed(const Armed&) = delete;
+  Armed& operator=(const Armed&) = delete;
+  /// Fails the test if the fault did not fire, here or in a forked child.
+  ~Armed();
+
+  /// For a fault that need not fire: ends it and returns whether it has fired.
+  bool Disarm();
+
+ private:
+  friend const Fault* Firing(Call call);
+
+  Fault fault_;
+  int calls_ = 0;
+  bool* fired_;  // in memory that forked children share
+  Armed* outer_;
+};
+
+/// The name or the user id that the last faulty getpwnam() or getpwuid() was asked for.
+inline std::string lookedUp;
