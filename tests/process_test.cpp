@@ -1,81 +1,418 @@
-// What fuzz/ and gxutil.session cannot show; hostile_test.cpp has the failures.
+// Running programs and finding them.
 
+#include <atomic>
 #include <clocale>
 #include <cstring>
+#include <iostream>
+#include <thread>
 
+#include <sched.h>
 #include <sys/resource.h>
 
-#include "harness/harness.h"
+#include "harness/run.h"
 
-static struct sigaction seen = {};
+using namespace GXUtils;
+using namespace std::string_literals;
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+const std::string kMissing = "No such file or directory\n";
+
+void ReapEveryChild(int /*signal*/) {
+  const int before = errno;
+  while (waitpid(-1, nullptr, WNOHANG) > 0) {
+  }
+  errno = before;
+}
+
+void BlockAllSignals() {
+  sigset_t all;
+  sigfillset(&all);
+  (void)sigprocmask(SIG_SETMASK, &all, nullptr);
+}
+
+// Opens every descriptor below 1100.
+void OpenDescriptors() {
+  rlimit limit = {};
+  (void)getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = 2048;
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+  for (int fd = 0; fd < 1100; ++fd) (void)dup2(STDERR_FILENO, fd);
+}
+
+TEST(SplitCommandLine, KnowsSpacesAndDoubleQuotesOnly) {
+  const std::pair<std::string, Arguments> cases[] = {
+      {"  ", {}},
+      {"ls  -l /tmp ", {"ls", "-l", "/tmp"}},
+      {"\"my prog\" -x", {"my prog", "-x"}},
+      {"echo \"\"", {"echo", ""}},
+      {"a\"b c\"", {"a\"b", "c\""}},
+      {"\"a b\"c", {"a b", "c"}},
+      {"a \"b c", {"a", "c"}},
+      {"a\tb\\ c'\0"s, {"a\tb\\", "c'\0"s}},
+  };
+  for (const auto& [line, arguments] : cases) EXPECT_EQ(SplitCommandLine(line), arguments);
+}
+
+TEST(System, ReportsHowTheProgramEnded) {
+  const LeakCheck leaks;
+  EXPECT_EQ(RunProgram("printf x"), (Outcome{.status = 0, .output = "x"}));
+  EXPECT_EQ(RunProgram("sh -c \"echo out; echo err >&2; exit 255\""),
+            (Outcome{.status = 255, .output = "out\nerr\n"}));
+  EXPECT_EQ(RunProgram("sh -c \"kill -9 $$\""), (Outcome{.result = -1}));
+
+  const std::string notStarted = "2 Failed to start command ";
+  EXPECT_EQ(RunProgram("no-such-program"),
+            (Outcome{.result = -2, .status = 128, .log = notStarted + "no-such-program\n"}));
+  EXPECT_EQ(RunProgram(" "), (Outcome{.result = -2, .status = 128, .log = notStarted + "\n"}));
+  EXPECT_EQ(RunProgram(""), (Outcome{.thrown = "6 Empty command"}));
+
+  const std::string notFound = "2 Command sh not found\n";
+  const std::string exits127 = "sh -c \"exit 127\"";
+  EXPECT_EQ(RunProgram(exits127), (Outcome{.result = -2, .status = 127, .log = notFound}));
+  logThrows = true;
+  EXPECT_EQ(RunProgram(exits127),
+            (Outcome{.status = 127, .log = notFound, .thrown = "log failed"}));
+  logThrows = false;
+}
+
+TEST(System, AppendsEachPieceUpToItsFirstNul) {
+  const char* const argv[] = {"printf", "a\\0%0253dbc", nullptr};  // 255 bytes, then 2
+  std::string output = "before ";
+  EXPECT_EQ(System(argv, &output), 0);
+  EXPECT_EQ(output, "before abc");
+}
+
+TEST(System, ReadsToTheLastWriterAlsoWithoutAString) {
+  EXPECT_EQ(RunProgram("sh -c \"(sleep 0.1; echo late) & echo early\""),
+            (Outcome{.status = 0, .output = "early\nlate\n"}));
+  EXPECT_EQ(System("head -c 100000 /dev/zero"), 0);
+}
+
+TEST(System, ReportsEachFailedCall) {
+  const auto run = [](Call call, int nth = 1) { return RunProgram("printf x", Fault{call, nth}); };
+  const Outcome noPipe = {.result = -1, .errors = "Error: pipe() failed\n"};
+  EXPECT_EQ(run(Call::kSigaction),
+            (Outcome{.result = -1, .errors = "Error: sigaction() failed\n"}));
+  EXPECT_EQ(run(Call::kPipe), noPipe);
+  for (int nth = 1; nth <= 4; ++nth) EXPECT_EQ(run(Call::kFcntl, nth), noPipe);
+  EXPECT_EQ(run(Call::kFork), (Outcome{.result = -1, .errors = "Error: fork() failed\n"}));
+  EXPECT_EQ(run(Call::kWaitpid), (Outcome{.result = -1, .output = "x", .childLeft = true}));
+  EXPECT_EQ(
+      run(Call::kSigaction, 2),
+      (Outcome{.result = -1, .output = "x", .errors = "Error: sigaction() restore failed\n"}));
+}
+
+TEST(System, ClosesThePipeWhenItCannotReadOn) {
+  EXPECT_EQ(RunProgram("sh -c \"trap '' PIPE; printf x 2>&-; exit 3\"", Fault{Call::kRead}),
+            (Outcome{.status = 3}));
+  const char* const endless[] = {"yes", nullptr};
+  std::string output;
+  const LeakCheck leaks;
+  const Armed memory({Call::kNew});
+  EXPECT_THROW(System(endless, &output), std::bad_alloc);
+}
+
+struct sigaction actionDuringRun = {};
 
 TEST(System, HasTheDefaultActionForSigchldWhileItRuns) {
-  (void)std::signal(SIGUSR1, [](int) { (void)sigaction(SIGCHLD, nullptr, &seen); });
+  (void)std::signal(SIGUSR1, [](int) { (void)sigaction(SIGCHLD, nullptr, &actionDuringRun); });
   (void)std::signal(SIGCHLD, SIG_IGN);
-  EXPECT_EQ(GXUtils::System("sh -c \"kill -USR1 $PPID\""), 0);
-  EXPECT_EQ(seen.sa_handler, SIG_DFL);
-  EXPECT_EQ(seen.sa_flags & (SA_RESTART | SA_NOCLDWAIT), SA_RESTART);
+  EXPECT_EQ(System("sh -c \"kill -USR1 $PPID\""), 0);
   (void)std::signal(SIGCHLD, SIG_DFL);
-}
-
-TEST(SystemNowait, WritesTheTextOfAnyErrorCutAtACharacter) {
-  std::string umlauts;
-  while (umlauts.size() < 300) umlauts += "ü";
-  const std::string longest(255, 'x');
-  std::setlocale(LC_CTYPE, "C.UTF-8");
-  testing::internal::CaptureStderr();
-  for (const std::string& text : {longest, longest + "x", umlauts}) {
-    fakeErrorText = text;
-    const Failing translated("strerror", 1, 0);
-    EXPECT_EQ(GXUtils::SystemNowait("/no/such/program"), -2);
-  }
-  const Failing unusual("execvp", 1, ENOTUNIQ);
-  EXPECT_EQ(GXUtils::SystemNowait("true"), -2);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), longest + "\n" + longest + "\n" +
-                                                        umlauts.substr(0, 254) + "\n" +
-                                                        std::strerror(ENOTUNIQ) + "\n");
-  std::setlocale(LC_CTYPE, "C");
-}
-
-TEST(CheckFileExecutable, AsksTheFirstClassThatTheRealIdsBelongTo) {
-  if (getuid() != 0) GTEST_SKIP() << "only the superuser can give files away";
-  constexpr unsigned kUser = 1001, kGroup = 1002;
-  const struct {
-    unsigned mode, owner, group;
-    bool executable;
-  } cases[] = {{0100, kUser, 0, true},  {0644, kUser, kGroup, false}, {0077, kUser, kGroup, false},
-               {0010, 0, kGroup, true}, {0707, 0, kGroup, false},     {0701, 0, 0, true},
-               {0776, 0, 0, false},     {0100, 0, 0, false}};
-  const TempDir file;
-  EXPECT_TRUE(PassesInChild([&] {
-    ASSERT_EQ(setresgid(kGroup, 0, 0) + setresuid(kUser, 0, 0), 0);
-    for (const auto& c : cases) {
-      ASSERT_EQ(chown(file.path.c_str(), c.owner, c.group) + chmod(file.path.c_str(), c.mode), 0);
-      EXPECT_EQ(GXUtils::CheckFileExecutable(file.path), c.executable) << c.mode << " " << c.owner;
-    }
-  }));
+  EXPECT_EQ(actionDuringRun.sa_handler, SIG_DFL);
+  EXPECT_EQ(actionDuringRun.sa_flags & (SA_RESTART | SA_NOCLDWAIT), SA_RESTART);
 }
 
 TEST(CloseAllFds, ClosesExactlyItsRange) {
   const struct {
     int first, keep;
-  } cases[] = {{100, 200},  {100, 0}, {100, 100}, {100, 1023},
-               {100, 1024}, {-5, -7}, {1023, 3},  {1024, 2000}};
+    bool refused = false;  // close_range()
+  } cases[] = {
+      {100, 200}, {100, 0},  {100, 100},   {100, 1023},      {100, 1024},
+      {-5, -7},   {1023, 3}, {1024, 2000}, {100, 200, true}, {-5, -7, true},
+  };
   for (const auto& c : cases) {
-    for (const int refused : {0, 1}) {
+    EXPECT_TRUE(PassesInChild([&] {
+      OpenDescriptors();
+      std::optional<Armed> refusal;
+      if (c.refused) refusal.emplace(Fault{Call::kCloseRange, kEachTime, EPERM});
+      CloseAllFds(c.first, c.keep);
+      for (int fd = 0; fd < 1100; ++fd) {
+        EXPECT_EQ(fcntl(fd, F_GETFD) >= 0, fd < c.first || fd == c.keep || fd > 1023) << fd;
+      }
+    })) << c.first
+        << ", " << c.keep << ", " << c.refused;
+  }
+}
+
+TEST(SystemNowait, HandsOverTheOutputOfTheRunningProgram) {
+  int out = -1, err = -1;
+  const int pid = SystemNowait("sh -c \"echo out; echo err >&2; kill -STOP $$\"", &out, &err);
+  ASSERT_GT(pid, 0);
+  EXPECT_EQ(waitpid(pid, nullptr, WUNTRACED), pid);  // it has not ended
+  EXPECT_EQ(getsid(pid), pid);
+  EXPECT_EQ(kill(pid, SIGCONT), 0);
+  EXPECT_EQ(ReadAll(out), "out\n");
+  EXPECT_EQ(ReadAll(err), "err\n");
+  for (const int fd : {out, err}) {
+    EXPECT_EQ(fcntl(fd, F_GETFD), 0);
+    EXPECT_EQ(fcntl(fd, F_GETFL) & O_NONBLOCK, 0);
+    (void)close(fd);
+  }
+  EXPECT_EQ(waitpid(pid, nullptr, 0), pid);
+}
+
+TEST(SystemNowait, ReportsEachFailedCall) {
+  const auto fails = [](Call call, int nth) {
+    int out = kUnwritten, err = kUnwritten;
+    const Armed fault({call, nth});
+    EXPECT_EQ(SystemNowait("true", &out, &err), -1) << nth;
+    EXPECT_EQ(out, kUnwritten) << nth;
+    EXPECT_EQ(err, kUnwritten) << nth;
+  };
+  for (int nth = 1; nth <= 3; ++nth) fails(Call::kPipe, nth);
+  for (int nth = 1; nth <= 12; ++nth) fails(Call::kFcntl, nth);
+  fails(Call::kFork, 1);
+  EXPECT_EQ(StartProgram("true", Fault{Call::kRead}), (Outcome{.result = -2, .childLeft = true}));
+}
+
+TEST(SystemNowait, WritesTheErrorOfAFailedExec) {
+  EXPECT_EQ(StartProgram("no-such-program"), (Outcome{.result = -2, .errors = kMissing}));
+  EXPECT_EQ(StartProgram(" "), (Outcome{.result = -2, .errors = kMissing}));
+  EXPECT_EQ(StartProgram(""), (Outcome{.thrown = "11 Empty command"}));
+  // An interrupted wait for the child is repeated.
+  EXPECT_EQ(StartProgram("no-such-program", Fault{Call::kWaitpid}),
+            (Outcome{.result = -2, .errors = kMissing}));
+  // An error that execvp() does not document.
+  EXPECT_EQ(StartProgram("true", Fault{.call = Call::kExecvp, .error = ENOTUNIQ}),
+            (Outcome{.result = -2, .errors = std::strerror(ENOTUNIQ) + "\n"s}));
+  // The locale of the caller, at the time of the call.
+  char translated[] = "nicht vorhanden";
+  const Fault locale = {.call = Call::kStrerror, .nth = kEachTime, .answer = translated};
+  EXPECT_EQ(StartProgram("no-such-program", locale),
+            (Outcome{.result = -2, .errors = "nicht vorhanden\n"}));
+}
+
+// Nobody reads the full pipe. If the child may be process 1 of a PID namespace, no default action
+// ends it.
+TEST(SystemNowait, EndsAChildThatCannotWriteItsError) {
+  int full[2];
+  ASSERT_EQ(pipe2(full, O_NONBLOCK), 0);
+  while (write(full[1], "full", 4) > 0) {
+  }
+  (void)fcntl(full[1], F_SETFL, 0);
+  EXPECT_TRUE(PassesInChild([&] {
+    (void)dup2(full[1], STDERR_FILENO);
+    (void)std::signal(SIGALRM, SIG_IGN);
+    BlockAllSignals();
+    (void)unshare(CLONE_NEWPID);
+    EXPECT_EQ(SystemNowait("no-such-program"), -2);
+  }));
+  for (const int fd : full) (void)close(fd);
+}
+
+void RunPrograms() {
+  const LeakCheck leaks;
+  const bool hasInput = fcntl(STDIN_FILENO, F_GETFD) >= 0;
+  std::string output;
+  int status = kUnwritten, out = kUnwritten, err = kUnwritten;
+  EXPECT_EQ(System("sh -c \"echo out; echo err >&2; test -e /dev/fd/0\"", &output, &status), 0);
+  EXPECT_EQ(output, "out\nerr\n");
+  EXPECT_EQ(status, hasInput ? 0 : 1);
+  EXPECT_EQ(System("no-such-program"), -2);
+
+  EXPECT_EQ(SystemNowait("no-such-program", &out, &err), -2);
+  EXPECT_EQ(out, kUnwritten);
+  EXPECT_EQ(err, kUnwritten);
+  EXPECT_GT(SystemNowait("sh -c \"echo out; echo err >&2\"", &out, &err), 0);
+  EXPECT_EQ(ReadAll(out), "out\n");
+  EXPECT_EQ(ReadAll(err), "err\n");
+  for (const int fd : {out, err}) {
+    EXPECT_GT(fd, STDERR_FILENO);
+    (void)close(fd);
+  }
+  (void)waitpid(-1, nullptr, 0);  // unless the client's action has reaped it
+}
+
+TEST(Runners, WorkInEveryState) {
+  const struct {
+    const char* what;
+    void (*enter)();
+  } states[] = {
+      {"as usual", [] {}},
+      {"SIGCHLD ignored", [] { (void)std::signal(SIGCHLD, SIG_IGN); }},
+      {"every child reaped", [] { (void)std::signal(SIGCHLD, ReapEveryChild); }},
+      {"all signals blocked", BlockAllSignals},
+  };
+  for (const auto& state : states) {
+    for (int closed = 0; closed < 8; ++closed) {
+      SCOPED_TRACE(testing::Message() << state.what << ", closed descriptors: " << closed);
       EXPECT_TRUE(PassesInChild([&] {
-        rlimit limit{};
-        ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-        limit.rlim_cur = 2048;
-        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-        for (int fd = 0; fd < 1100; ++fd) (void)dup2(STDERR_FILENO, fd);
-        const Failing fault[] = {{"syscall", refused, ENOSYS}, {"syscall", 2 * refused, EPERM}};
-        GXUtils::CloseAllFds(c.first, c.keep);
-        for (int fd = 0; fd < 1100; ++fd) {
-          EXPECT_EQ(fcntl(fd, F_GETFD) >= 0, fd < c.first || fd == c.keep || fd > 1023) << fd;
-        }
-      })) << c.first
-          << ", " << c.keep << ", refused " << refused;
+        CloseStandard(closed);
+        state.enter();
+        RunPrograms();
+      }));
     }
   }
 }
+
+TEST(Runners, LeaveNothingBehind) {
+  const std::string text(100, 'A');  // too long to be kept without an allocation
+  testing::internal::CaptureStderr();
+  for (const std::string& command :
+       {"printf %s " + text + " \"" + text + "\"", "no-such-" + text}) {
+    LeavesNothingBehind([&] {
+      std::string output;
+      (void)System(command, &output);
+    });
+    LeavesNothingBehind([&] {
+      int out = -1, err = -1;
+      (void)SystemNowait(command, &out, &err);
+      for (const int fd : {out, err}) (void)close(fd);
+    });
+  }
+  (void)testing::internal::GetCapturedStderr();
+}
+
+TEST(Runners, ShareNoOtherDescriptorBelow1024) {
+  EXPECT_TRUE(PassesInChild([] {
+    OpenDescriptors();  // of which 2 is the standard error
+    const std::string list = "sh -c \"cd /proc/$$/fd; ls -dm 0 3 900 1023 1024 1099 2>/dev/null\"";
+    std::string output;
+    int out = -1;
+    EXPECT_EQ(System(list, &output), 0);
+    EXPECT_EQ(output, "0, 1024, 1099\n");
+    EXPECT_GT(SystemNowait(list, &out), 0);
+    EXPECT_EQ(ReadAll(out), "0, 1024, 1099\n");
+  }));
+}
+
+// The error goes to the descriptor, whatever the client has done to its streams. The child does
+// not write the text that waits in them.
+TEST(Runners, LeaveTheClientsStreamsAlone) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP() << "the sanitizer flushes every stream in _exit()";
+#endif
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(PassesInChild([] {
+    std::cerr.rdbuf(std::cout.rdbuf());
+    static char buffer[BUFSIZ];
+    (void)std::setvbuf(stderr, buffer, _IOFBF, sizeof buffer);
+    (void)std::fputs("text of the client", stderr);
+    EXPECT_EQ(System("/no/such/program"), -2);
+    EXPECT_EQ(SystemNowait("/no/such/program"), -2);
+  }));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), kMissing + "text of the client");
+}
+
+// For the thread sanitizer, and for a lock that one thread holds while another one forks.
+TEST(Runners, RunBesideThreads) {
+  std::atomic<bool> done{false};
+  std::vector<std::thread> threads;
+  const auto repeat = [&](auto work) {
+    threads.emplace_back([&done, work] {
+      while (!done) work();
+    });
+  };
+  for (const char letter : {'a', 'b'}) {
+    repeat([text = std::string(50, letter)] {
+      EXPECT_EQ(Transcode("UTF-8", "ISO-8859-1", text), text);
+      EXPECT_EQ(UnlinkOrTruncate(GenerateTempFile(text, nullptr).c_str()), 0);
+    });
+  }
+// setlocale() is the client's race; the address sanitizer locks every stream over a fork.
+#if !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
+  for (const char* locale : {"C", "C.UTF-8"}) repeat([=] { std::setlocale(LC_ALL, locale); });
+  repeat([] { std::cerr << "" << std::flush; });
+#endif
+  for (int i = 0; i < 100; ++i) {
+    int err = -1;
+    EXPECT_EQ(SystemNowait("no-such-program", nullptr, &err), -2);
+    EXPECT_EQ(RunProgram("printf x").output, "x");
+  }
+  done = true;
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(CheckFileExist, FollowsLinks) {
+  const TempDir top;
+  std::filesystem::create_symlink("/tmp", top.path + "/link");
+  std::filesystem::create_symlink("/no/such", top.path + "/dangling");
+  EXPECT_TRUE(CheckFileExist(top.path));
+  EXPECT_TRUE(CheckFileExist(top.path + "/link"));
+  EXPECT_FALSE(CheckFileExist(top.path + "/dangling"));
+  EXPECT_FALSE(CheckFileExist(""));
+}
+
+TEST(CheckFileExecutable, ReadsTheOwnersBitForTheOwner) {
+  const TempDir directory;
+  EXPECT_TRUE(CheckFileExecutable(directory.path));
+  EXPECT_EQ(chmod(directory.path.c_str(), 0677), 0);
+  EXPECT_FALSE(CheckFileExecutable(directory.path));
+  EXPECT_FALSE(CheckFileExecutable("/no/such"));
+}
+
+TEST(CheckFileExecutable, ReadsTheBitOfTheFirstClassThatTheRealIdsBelongTo) {
+  if (getuid() != 0) GTEST_SKIP() << "only the superuser may give files away";
+  constexpr uid_t kUser = 1001;
+  constexpr gid_t kGroup = 1002;
+  const struct {
+    uid_t owner = 0;
+    gid_t group = 0;
+    mode_t mode;
+    bool executable;
+  } cases[] = {
+      {.owner = kUser, .mode = 0100, .executable = true},
+      {.owner = kUser, .group = kGroup, .mode = 0077, .executable = false},
+      {.group = kGroup, .mode = 0010, .executable = true},
+      {.group = kGroup, .mode = 0707, .executable = false},
+      {.mode = 0701, .executable = true},
+      {.mode = 0776, .executable = false},
+  };
+  const TempDir file;
+  EXPECT_TRUE(PassesInChild([&] {
+    ASSERT_EQ(setresgid(kGroup, 0, 0), 0);
+    ASSERT_EQ(setresuid(kUser, 0, 0), 0);
+    for (const auto& c : cases) {
+      ASSERT_EQ(chown(file.path.c_str(), c.owner, c.group), 0);
+      ASSERT_EQ(chmod(file.path.c_str(), c.mode), 0);
+      EXPECT_EQ(CheckFileExecutable(file.path), c.executable) << std::oct << c.mode;
+    }
+  }));
+}
+
+TEST(Which, TakesEachEntryOfPathAsItIsWritten) {
+  const struct {
+    const char *path, *name, *found;
+  } cases[] = {
+      {"a:b", "tool", "b/tool"},  // a/tool is a dangling link
+      {"a/sub:b", "tool", "a/sub/tool"},
+      {"b/", "tool", "b//tool"},
+      {"b:a", "sub/tool", "a/sub/tool"},
+      {"a", "none", ""},      // not executable
+      {":b", "bin", "/bin"},  // an empty entry is the root directory
+      {"a/none:b", "", "b/"},
+      {"b", "/bin/sh", "/bin/sh"},
+      {"b", "/etc/passwd", ""},
+  };
+  const TempDir top;
+  const std::string makeFiles = "cd " + top.path +
+                                " && mkdir -p a/sub b && touch a/none && ln -s nowhere a/tool"
+                                " && install /dev/null a/sub/tool && install /dev/null b/tool";
+  ASSERT_EQ(std::system(makeFiles.c_str()), 0);
+  EXPECT_TRUE(PassesInChild([&] {
+    std::filesystem::current_path(top.path);
+    for (const auto& c : cases) {
+      (void)setenv("PATH", c.path, 1);
+      EXPECT_EQ(Which(c.name), c.found) << c.path;
+    }
+    (void)unsetenv("PATH");
+    EXPECT_EQ(Which("sh"), "");
+    EXPECT_EQ(System("true"), 0);  // along the default path of the system
+  }));
+}
+
+}  // namespace

@@ -60,5 +60,5 @@ class Armed {
   Armed* outer_;
 };
 
-/// The name or the user id that the last faulty getpwnam() or getpwuid() was asked for.
+/// The name or the user id that getpwnam() or getpwuid() was asked for last.
 inline std::string lookedUp;

@@ -16,23 +16,18 @@
 
 namespace {
 
-std::string OpenDescriptors() {
-  std::string open;
+// The open descriptors and the action for SIGCHLD.
+std::string ProcessState() {
+  std::string state;
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-    const std::string fd = entry.path().filename();
-    open += fd + " on " + std::filesystem::read_symlink(entry).string() + ", flags " +
-            std::to_string(fcntl(std::stoi(fd), F_GETFD)) + "\n";
+    state += entry.path().filename().string() + " on " + read_symlink(entry).string() + "\n";
   }
-  return open;
-}
-
-std::string SigchldAction() {
   struct sigaction action = {};
   (void)sigaction(SIGCHLD, nullptr, &action);
   constexpr int kAddedByLibc = 0x04000000;  // SA_RESTORER
-  return "handler " + std::to_string(reinterpret_cast<std::uintptr_t>(action.sa_handler)) +
-         ", flags " + std::to_string(action.sa_flags & ~kAddedByLibc) +
-         ", SIGUSR1 blocked: " + std::to_string(sigismember(&action.sa_mask, SIGUSR1));
+  const auto handler = reinterpret_cast<std::uintptr_t>(action.sa_handler);
+  return state + "SIGCHLD: handler " + std::to_string(handler) + ", flags " +
+         std::to_string(action.sa_flags & ~kAddedByLibc);
 }
 
 Outcome Observe(const std::optional<Fault>& fault, const std::function<void(Outcome&)>& call) {
@@ -62,13 +57,13 @@ std::ostream& operator<<(std::ostream& out, const Outcome& seen) {
              << "\nerrors: " << seen.errors << "\nlog: " << seen.log << "\nthrown: " << seen.thrown;
 }
 
-Outcome Run(const std::string& command, std::optional<Fault> fault) {
+Outcome RunProgram(const std::string& command, std::optional<Fault> fault) {
   return Observe(fault, [&](Outcome& seen) {
     seen.result = GXUtils::System(command, &seen.output, &seen.status);
   });
 }
 
-Outcome Start(const std::string& command, std::optional<Fault> fault) {
+Outcome StartProgram(const std::string& command, std::optional<Fault> fault) {
   return Observe(fault, [&](Outcome& seen) { seen.result = GXUtils::SystemNowait(command); });
 }
 
@@ -100,34 +95,24 @@ std::string ReadAll(int fd) {
   return all;
 }
 
-LeakCheck::LeakCheck() : before_(OpenDescriptors() + SigchldAction()) {}
+LeakCheck::LeakCheck() : before_(ProcessState()) {}
 
 LeakCheck::~LeakCheck() {
-  EXPECT_EQ(OpenDescriptors() + SigchldAction(), before_);
+  EXPECT_EQ(ProcessState(), before_);
   const pid_t left = waitpid(-1, nullptr, WNOHANG);
   EXPECT_TRUE(left < 0 && errno == ECHILD) << "a child is left";
 }
 
 void LeavesNothingBehind(const std::function<void()>& call) {
-  // Without sigaction(): an action that cannot be restored stays.
-  const std::pair<const char*, Call> fallible[] = {
-      {"close_range", Call::kCloseRange},
-      {"fcntl", Call::kFcntl},
-      {"fopen", Call::kFopen},
-      {"fork", Call::kFork},
-      {"iconv", Call::kIconv},
-      {"iconv_open", Call::kIconvOpen},
-      {"new", Call::kNew},
-      {"pipe", Call::kPipe},
-      {"poll", Call::kPoll},
-      {"read", Call::kRead},
-      {"waitpid", Call::kWaitpid},
-  };
+  // Not sigaction(): an action that cannot be restored stays.
+  constexpr Call kCalls[] = {Call::kCloseRange, Call::kFcntl,     Call::kFopen,  Call::kFork,
+                             Call::kIconv,      Call::kIconvOpen, Call::kNew,    Call::kPipe,
+                             Call::kPoll,       Call::kRead,      Call::kWaitpid};
   constexpr int kMostUses = 300;
-  for (const auto& [name, which] : fallible) {
+  for (const Call which : kCalls) {
     bool failed = true;
     for (int nth = 1; failed; ++nth) {
-      SCOPED_TRACE(testing::Message() << name << ", call " << nth);
+      SCOPED_TRACE(testing::Message() << "Call " << static_cast<int>(which) << ", use " << nth);
       ASSERT_LT(nth, kMostUses) << "it never succeeds";
       const LeakCheck leaks;
       Armed fault({.call = which, .nth = nth});

@@ -2,16 +2,23 @@
 /// The calls that start programs as a test sees them, and what no call may leave behind.
 #pragma once
 
+#include <csignal>
+#include <cstdlib>
 #include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "gxclient_util.h"
 #include "harness/fault.h"
 #include "harness/log.h"
+#include "harness/temp_dir.h"
 
 constexpr int kUnwritten = -77;  ///< what an output parameter holds before a call
 
@@ -30,10 +37,10 @@ struct Outcome {
 std::ostream& operator<<(std::ostream& out, const Outcome& outcome);
 
 /// Calls System().
-Outcome Run(const std::string& command, std::optional<Fault> fault = {});
+Outcome RunProgram(const std::string& command, std::optional<Fault> fault = {});
 
 /// Calls SystemNowait() without output pipes.
-Outcome Start(const std::string& command, std::optional<Fault> fault = {});
+Outcome StartProgram(const std::string& command, std::optional<Fault> fault = {});
 
 /// Runs `body` in a forked child, where it may change the environment, limits and descriptors.
 /// Returns whether every expectation in it held.
