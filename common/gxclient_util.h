@@ -119,8 +119,7 @@ void CloseAllFds(int firstFd, int keepFd);
 /// given, its standard output (error) goes into a new pipe, which ends when the program and
 /// whatever it started have closed it. The call blocks until the program has been executed or has
 /// failed to, and after a failure for up to a second more, in which the child writes its error. It
-/// leaves the action for SIGCHLD alone and may run on any thread. This form needs no memory from
-/// the heap.
+/// leaves the action for SIGCHLD alone and may run on any thread.
 ///
 /// The out-pointers are written on success only, with ordinary blocking descriptors, not
 /// close-on-exec.
@@ -136,9 +135,8 @@ void CloseAllFds(int firstFd, int keepFd);
 /// Nothing is logged. A child whose exec failed writes one line to its standard error, the text of
 /// the error in the caller's locale, and exits with status 1. That is the pipe for `stderrFd`,
 /// which is closed and lost with the result -2, or else the caller's own standard error, descriptor
-/// 2: no stream of the caller's is used or written. A text of more than 255 bytes is cut at a
-/// character. Where the line cannot be written within a second, as to a full pipe, what is left of
-/// it is lost.
+/// 2: no stream of the caller's is used or written. If the line cannot be written within a second, as
+/// to a full pipe, it is lost.
 int SystemNowait(const char* const* argv, int* stdoutFd = nullptr, int* stderrFd = nullptr);
 
 /// The same for a command line, cut as by System().

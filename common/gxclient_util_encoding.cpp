@@ -16,10 +16,10 @@
 namespace GXUtils {
 namespace {
 
-using GXSupport::Conversion;
-using GXSupport::IconvDescriptor;
-using GXSupport::kIconvFailed;
-using GXSupport::Normalised;
+using GXInternal::Conversion;
+using GXInternal::IconvDescriptor;
+using GXInternal::kIconvFailed;
+using GXInternal::Normalised;
 
 // Converts with the target that drops what it cannot hold, or where that is refused with the plain
 // one. There is no call for what iconv() holds back at the end, on purpose. The descriptors are

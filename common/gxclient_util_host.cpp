@@ -24,7 +24,7 @@
 namespace GXUtils {
 namespace {
 
-using GXSupport::UniqueFd;
+using GXInternal::UniqueFd;
 
 constexpr mode_t kDirectoryMode = 0755;
 constexpr mode_t kTempFileMode = 0600;
@@ -117,8 +117,8 @@ int UnlinkOrTruncate(const char* path) { return unlink(path); }
 std::string winGetTempDir() { return {}; }
 
 std::string calcHomeDir(std::string user) {
-  std::string home = GXSupport::HomeDirectory(std::move(user));
-  (void)CheckCreateDir(home + "/" + GXSupport::kPerUserDirectory, false);
+  std::string home = GXInternal::HomeDirectory(std::move(user));
+  (void)CheckCreateDir(home + "/" + GXInternal::kPerUserDirectory, false);
   return home;
 }
 

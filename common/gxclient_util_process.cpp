@@ -19,7 +19,6 @@
 #include "internal/child.h"
 #include "internal/descriptor.h"
 #include "internal/exec_error.h"
-#include "internal/lifetime.h"
 #include "support/argvector.h"
 #include "support/gxexception.h"
 #include "support/logfile.h"
@@ -27,32 +26,34 @@
 namespace GXUtils {
 namespace {
 
-using GXSupport::Child;
-using GXSupport::CloseRange;
-using GXSupport::ExecErrorLines;
-using GXSupport::kFirstInheritedFd;
-using GXSupport::kLastClosedFd;
-using GXSupport::LeaveChild;
-using GXSupport::LimitLifetime;
-using GXSupport::Pipe;
-using GXSupport::Reap;
-using GXSupport::UniqueFd;
+using GXInternal::Child;
+using GXInternal::CloseRange;
+using GXInternal::ExecErrorTexts;
+using GXInternal::ForkWithoutHandlers;
+using GXInternal::kFirstClosedFd;
+using GXInternal::kLastClosedFd;
+using GXInternal::Pipe;
+using GXInternal::Reap;
+using GXInternal::UniqueFd;
+using GXInternal::WriteLine;
 
 constexpr int kRunFailed = -1;
 constexpr int kNotStarted = -2;
 
 constexpr int kNotFoundStatus = 127;    // what shells exit with for an unknown command
-constexpr int kExecFailedStatus = 128;  // what our child exits with when its exec failed
+constexpr int kExecFailedStatus = 128;  // what our child exits with if its exec failed
 
 constexpr int kDetachedExecFailedStatus = 1;
 
-constexpr std::size_t kReadSize = 255;  // a piece of captured output; what a NUL cuts depends on it
+constexpr std::size_t kReadSize = 255;  // a piece of captured output: a NUL byte drops its rest
 
-// Stands in for an argument array without an entry: no program has the empty name.
+constexpr unsigned kLongestErrorReport = 1;  // seconds that the child has to write its error text
+
+// Replaces an argument array without an entry: no program has the empty name.
 constexpr const char* kNoProgram[] = {"", nullptr};
 
-// The default action for SIGCHLD while a program runs. The destructor puts the former action back
-// where Restore() was not reached.
+// The default action for SIGCHLD while a program runs. The destructor restores the previous action
+// unless Restore() was called.
 class DefaultSigchld {
  public:
   DefaultSigchld() = default;
@@ -81,41 +82,55 @@ class DefaultSigchld {
   bool installed_ = false;
 };
 
-// Runs in the forked child: only async-signal-safe calls (signal-safety(7)) on values prepared
-// before the fork, as another thread may have held any lock then.
+// Runs in the forked child.
 [[noreturn]] void ExecCaptured(const char* const* argv, Pipe& capture) {
   capture.readEnd.Reset();
   (void)dup2(capture.writeEnd.Get(), STDOUT_FILENO);
   (void)dup2(capture.writeEnd.Get(), STDERR_FILENO);
-  CloseAllFds(kFirstInheritedFd, STDIN_FILENO);
+  CloseAllFds(kFirstClosedFd, STDIN_FILENO);
   (void)execvp(argv[0], const_cast<char* const*>(argv));
-  LeaveChild(kExecFailedStatus);
+  _exit(kExecFailedStatus);
 }
 
 struct DetachedPipes {
-  Pipe status;  // closes with the exec; carries a byte when that has failed
-  Pipe output;  // these two only where the caller wants them
+  Pipe status;  // closes with the exec; carries a byte if that has failed
+  Pipe output;  // these two only if the caller wants them
   Pipe error;
 };
 
-// Runs in the forked child, as ExecCaptured(). The error text goes straight to the descriptor: what
-// the client has done to its streams, or has waiting in them, is the client's.
+[[noreturn]] void EndNow(int /*signal*/) { _exit(kDetachedExecFailedStatus); }
+
+// Ends this process after so many seconds, whatever the client does about SIGALRM. A handler does
+// it: the system ignores the default action if this is process 1 of its namespace.
+void LimitLifetime(unsigned seconds) {
+  struct sigaction action = {};
+  action.sa_handler = EndNow;
+  (void)sigaction(SIGALRM, &action, nullptr);
+  sigset_t timeout;
+  sigemptyset(&timeout);
+  sigaddset(&timeout, SIGALRM);
+  (void)sigprocmask(SIG_UNBLOCK, &timeout, nullptr);
+  (void)alarm(seconds);
+}
+
+// Runs in the forked child. The error text goes to the descriptor, because the client's streams may
+// be redirected or hold unflushed data.
 [[noreturn]] void ExecDetached(const char* const* argv, DetachedPipes& pipes,
-                               const ExecErrorLines& errorLines) noexcept {
+                               const ExecErrorTexts& errorTexts) noexcept {
   pipes.status.readEnd.Reset();
   pipes.output.readEnd.Reset();
   if (pipes.output.IsOpen()) (void)dup2(pipes.output.writeEnd.Get(), STDOUT_FILENO);
   if (pipes.error.IsOpen()) (void)dup2(pipes.error.writeEnd.Get(), STDERR_FILENO);
-  CloseAllFds(kFirstInheritedFd, pipes.status.writeEnd.Get());
+  CloseAllFds(kFirstClosedFd, pipes.status.writeEnd.Get());
   (void)setsid();
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   const int error = errno;
   (void)!write(pipes.status.writeEnd.Get(), "e", 1);
-  // The parent waits for this child, which may wait for ever: to write to a full pipe that the
-  // parent itself reads.
-  LimitLifetime(1);
-  errorLines.Write(error, STDERR_FILENO);
-  LeaveChild(kDetachedExecFailedStatus);
+  // The parent waits for this child, which could wait for ever: for a lock, or to write to a full
+  // pipe that the parent itself reads.
+  LimitLifetime(kLongestErrorReport);
+  WriteLine(STDERR_FILENO, errorTexts.Get(error));
+  _exit(kDetachedExecFailedStatus);
 }
 
 // Gives the caller a read end as the ordinary descriptor that it expects.
@@ -132,7 +147,8 @@ bool IsExecutable(const std::string& path) {
   return (info.st_mode & S_IXOTH) != 0;
 }
 
-// Reads to the end. A failed or interrupted read ends it as well; it is not retried, on purpose.
+// Reads to the end. A failed or interrupted read ends it as well: not retried, because a signal
+// handler of the client may end the capture.
 void AppendOutput(int fd, std::string* output) {
   char piece[kReadSize];
   for (;;) {
@@ -143,22 +159,37 @@ void AppendOutput(int fd, std::string* output) {
   }
 }
 
-int FailRun(const char* errorLine) {
+bool FailRun(const char* errorLine) {
   (void)std::fputs(errorLine, stderr);
-  return kRunFailed;
+  return false;
 }
 
-int ReportExit(const char* program, int status, int* exitCode) {
-  if (exitCode != nullptr) *exitCode = status;
-  if (status == kExecFailedStatus) {
-    logfile.Log(std::string("Failed to start command ") + program, 2);
-    return kNotStarted;
-  }
-  if (status == kNotFoundStatus) {
-    logfile.Log(std::string("Command ") + program + " not found", 2);
-    return kNotStarted;
-  }
-  return 0;
+// Runs the program to its end. Returns whether it exited, with its exit status in `*exitStatus`.
+// Everything is closed and restored then.
+bool RunToExit(const char* const* argv, std::string* output, int* exitStatus) {
+  // Released in the reverse order: the pipe closes before the child is reaped, and the previous
+  // action is restored last.
+  DefaultSigchld sigchld;
+  Child child;
+  Pipe capture;
+  if (!sigchld.Install()) return FailRun("Error: sigaction() failed\n");
+  if (!capture.Open()) return FailRun("Error: pipe() failed\n");
+
+  const pid_t pid = ForkWithoutHandlers();
+  if (pid < 0) return FailRun("Error: fork() failed\n");
+  if (pid == 0) ExecCaptured(argv, capture);
+  child.Own(pid);
+
+  capture.writeEnd.Reset();
+  AppendOutput(capture.readEnd.Get(), output);
+  capture.readEnd.Reset();
+
+  int status = 0;
+  const bool waited = child.Wait(&status);
+  if (!sigchld.Restore()) return FailRun("Error: sigaction() restore failed\n");
+  if (!waited || !WIFEXITED(status)) return false;
+  *exitStatus = WEXITSTATUS(status);
+  return true;
 }
 
 void AddCommandLine(ArgVector& arguments, std::string commandLine) {
@@ -190,29 +221,18 @@ std::vector<std::string> SplitCommandLine(std::string commandLine) {
 
 int System(const char* const* argv, std::string* output, int* exitCode) {
   if (argv[0] == nullptr) argv = kNoProgram;
-
-  // Released in the reverse order: the pipe closes before the child is reaped, and the former
-  // action comes back last.
-  DefaultSigchld sigchld;
-  Child child;
-  Pipe capture;
-  if (!sigchld.Install()) return FailRun("Error: sigaction() failed\n");
-  if (!capture.Open()) return FailRun("Error: pipe() failed\n");
-
-  const pid_t pid = fork();
-  if (pid < 0) return FailRun("Error: fork() failed\n");
-  if (pid == 0) ExecCaptured(argv, capture);
-  child.Own(pid);
-
-  capture.writeEnd.Reset();
-  AppendOutput(capture.readEnd.Get(), output);
-  capture.readEnd.Reset();
-
   int status = 0;
-  const bool waited = child.Wait(&status);
-  if (!sigchld.Restore()) return FailRun("Error: sigaction() restore failed\n");
-  if (!waited || !WIFEXITED(status)) return kRunFailed;
-  return ReportExit(argv[0], WEXITSTATUS(status), exitCode);
+  if (!RunToExit(argv, output, &status)) return kRunFailed;
+  if (exitCode != nullptr) *exitCode = status;
+  if (status == kExecFailedStatus) {
+    logfile.Log(std::string("Failed to start command ") + argv[0], 2);
+    return kNotStarted;
+  }
+  if (status == kNotFoundStatus) {
+    logfile.Log(std::string("Command ") + argv[0] + " not found", 2);
+    return kNotStarted;
+  }
+  return 0;
 }
 
 int System(std::string command, std::string* output, int* exitCode) {
@@ -239,20 +259,20 @@ int SystemNowait(const char* const* argv, int* stdoutFd, int* stderrFd) {
   if (!pipes.status.Open()) return kRunFailed;
   if (stdoutFd != nullptr && !pipes.output.Open()) return kRunFailed;
   if (stderrFd != nullptr && !pipes.error.Open()) return kRunFailed;
-  const ExecErrorLines errorLines;
+  const ExecErrorTexts errorTexts;
 
-  const pid_t pid = fork();
+  const pid_t pid = ForkWithoutHandlers();
   if (pid < 0) return kRunFailed;
-  if (pid == 0) ExecDetached(argv, pipes, errorLines);
+  if (pid == 0) ExecDetached(argv, pipes, errorTexts);
 
   pipes.status.writeEnd.Reset();
   pipes.output.writeEnd.Reset();
   pipes.error.writeEnd.Reset();
   char report[16] = {};
-  // Not retried when interrupted, on purpose.
+  // Not retried after a signal: a handler of the client may end the wait.
   const ssize_t count = read(pipes.status.readEnd.Get(), report, sizeof report);
   pipes.status.readEnd.Reset();
-  // The child still writes its error text: the read ends stay open until it has ended.
+  // The child still writes its error text: the read ends stay open until it has exited.
   if (count > 0) Reap(pid);
   if (count != 0) return kNotStarted;
 
@@ -281,7 +301,7 @@ std::string Which(std::string name) {
   const char* path = std::getenv("PATH");
   if (path == nullptr) return {};
   for (std::string& candidate : SplitString(path, ':')) {
-    candidate += '/';  // an empty entry means the root directory, on purpose
+    candidate += '/';  // so an empty entry is the root directory, unlike for execvp()
     candidate += name;
     if (IsExecutable(candidate)) return std::move(candidate);
   }

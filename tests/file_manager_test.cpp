@@ -74,7 +74,7 @@ const Desktop kDesktops[] = {
 
 // Named pipes: the programs write to the first one; xdg-open, and what is left behind, lives until
 // the second one has a line for it.
-GXSupport::UniqueFd calls, gate;
+GXInternal::UniqueFd calls, gate;
 
 void Show(const Desktop& desktop) {
   const std::string top = desktop.item[0] == '/' ? "" : kTop.path;
@@ -113,7 +113,7 @@ TEST(ShowInFileManager, TakesWhatTheDesktopHas) {
   ASSERT_EQ(mknod("u/bus", S_IFSOCK | 0600, 0) + mknod(kName.c_str(), S_IFREG, 0), 0);
   calls.Reset(open("calls", O_RDWR));
   gate.Reset(open("gate", O_RDWR));
-  const GXSupport::UniqueFd inherited(dup2(STDERR_FILENO, 900));
+  const GXInternal::UniqueFd inherited(dup2(STDERR_FILENO, 900));
   void (*const handlers[])(int) = {SIG_DFL, SIG_IGN, ReapAll};
   sigset_t others;
   sigfillset(&others);

@@ -91,7 +91,7 @@ void Write(const char* text) { (void)!write(STDOUT_FILENO, text, std::strlen(tex
 
 int Examine() {
   constexpr unsigned kLongest = 30;  // seconds: a lookup over the network may take for ever
-  GXSupport::LimitLifetime(kLongest, EndLate);
+  GXInternal::LimitLifetime(kLongest, EndLate);
   const KeptLog log;  // the facts say what is wrong
   int status = 0;
   for (const Question& question : kQuestions) {

@@ -65,7 +65,7 @@ Fact RunningUser() {
 }
 
 Fact Home() {
-  const std::string home = GXSupport::HomeDirectory(GXUtils::calcRunningUser());
+  const std::string home = GXInternal::HomeDirectory(GXUtils::calcRunningUser());
   if (home.empty()) return {"none", "HOME is not set or empty", kHomeAdvice};
   const std::string trouble = DirectoryTrouble(home, X_OK);
   if (!trouble.empty()) return {home, trouble, kHomeAdvice};
@@ -73,8 +73,8 @@ Fact Home() {
 }
 
 Fact PerUserDirectory() {
-  const std::string home = GXSupport::HomeDirectory(GXUtils::calcRunningUser());
-  const std::string directory = home + "/" + GXSupport::kPerUserDirectory;
+  const std::string home = GXInternal::HomeDirectory(GXUtils::calcRunningUser());
+  const std::string directory = home + "/" + GXInternal::kPerUserDirectory;
   const std::string advice =
       "Make it a directory that this user may write: the client keeps its settings in it.";
   std::error_code error;

@@ -7,8 +7,8 @@
 namespace gxutil {
 namespace {
 
-using GXSupport::Environment;
-using GXSupport::SessionBusAddress;
+using GXInternal::Environment;
+using GXInternal::SessionBusAddress;
 
 std::string Displays() {
   return GXUtils::Strip(Environment("WAYLAND_DISPLAY") + " " + Environment("DISPLAY"), " ");

@@ -85,7 +85,7 @@ Fact OpenFiles() {
   int above = 0;
   for (const int fd : open) {
     if (fd > STDERR_FILENO && static_cast<rlim_t>(fd) < limit.rlim_cur) ++taken;
-    if (fd > GXSupport::kLastClosedFd) ++above;
+    if (fd > GXInternal::kLastClosedFd) ++above;
   }
   std::string value = std::to_string(open.size()) + " in use, " + LimitText(limit.rlim_cur);
   if (limit.rlim_cur < limit.rlim_max) value += " (can be raised)";

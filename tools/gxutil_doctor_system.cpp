@@ -26,7 +26,7 @@ namespace {
 constexpr char kUtf8Advice[] = "Set LANG to a UTF-8 locale, such as C.UTF-8, and log in again.";
 
 bool Converts(const char* from, const char* to) {
-  return GXSupport::IconvDescriptor(from, to).IsOpen();
+  return GXInternal::IconvDescriptor(from, to).IsOpen();
 }
 
 std::string InLocale(const char* text) { return GXUtils::Transcode("UTF-8", "", text); }

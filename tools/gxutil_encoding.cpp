@@ -28,19 +28,19 @@ struct WholeConversion {
 // for what iconv holds back, such as a letter that an accent may follow.
 WholeConversion ConvertWhole(const std::string& from, const std::string& to,
                              const std::string& text) {
-  using GXSupport::Normalised;
-  const GXSupport::IconvDescriptor descriptor(Normalised(from.c_str()), Normalised(to.c_str()));
+  using GXInternal::Normalised;
+  const GXInternal::IconvDescriptor descriptor(Normalised(from.c_str()), Normalised(to.c_str()));
   WholeConversion whole;
   if (!descriptor.IsOpen()) return whole;
   char piece[4096];
   const char* const end = text.data() + text.size();
-  GXSupport::Conversion done;
+  GXInternal::Conversion done;
   done.inputLeft = text.size();
   do {
     done = descriptor.Convert(end - done.inputLeft, done.inputLeft, piece, sizeof piece);
     whole.size += done.written;
-  } while (done.result == GXSupport::kIconvFailed && done.error == E2BIG);
-  if (done.result == GXSupport::kIconvFailed) {
+  } while (done.result == GXInternal::kIconvFailed && done.error == E2BIG);
+  if (done.result == GXInternal::kIconvFailed) {
     whole.trouble = "a part of the text that cannot be converted is left out";
   } else if (!text.empty() && descriptor.Convert(nullptr, 0, piece, sizeof piece).written > 0) {
     whole.trouble = "the end is missing: iconv holds it back until it is asked for it";

@@ -1,11 +1,13 @@
 /// @file
-/// Private to the project and not installed: what runs in a forked child, and its owner in the
-/// parent. A child makes async-signal-safe calls only (signal-safety(7)), as another thread may
-/// have held any lock at the fork.
+/// Private to the project and not installed: forked children, and their owner in the parent.
+///
+/// Until it executes a program, a child makes async-signal-safe calls only (signal-safety(7)), on
+/// values prepared before the fork: another thread may have held any lock at that moment.
 #pragma once
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <utility>
 
 #include <sys/types.h>
@@ -15,11 +17,33 @@
 #include <sys/syscall.h>
 #endif
 
-#ifdef GXCLIENT_COVERAGE
-extern "C" void __gcov_dump();
-#endif
+namespace GXInternal {
 
-namespace GXSupport {
+// Sets the signals that the client catches to their default action, as exec does. Only the standard
+// ones: they reach a whole process group, while nobody knows this child yet to send it another one.
+inline void ResetCaughtSignals() {
+  constexpr int kLastStandardSignal = 31;
+  for (int signal = 1; signal <= kLastStandardSignal; ++signal) {
+    struct sigaction action = {};
+    if (sigaction(signal, nullptr, &action) != 0) continue;
+    if (action.sa_handler == SIG_DFL || action.sa_handler == SIG_IGN) continue;
+    action.sa_handler = SIG_DFL;
+    (void)sigaction(signal, &action, nullptr);
+  }
+}
+
+// Forks a child in which no signal handler of the client runs: it could jump back into the client's
+// main loop. Every signal waits until the child has reset the handlers.
+inline pid_t ForkWithoutHandlers() {
+  sigset_t all;
+  sigset_t previous;
+  sigfillset(&all);
+  (void)pthread_sigmask(SIG_SETMASK, &all, &previous);
+  const pid_t pid = fork();
+  if (pid == 0) ResetCaughtSignals();
+  (void)pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+  return pid;
+}
 
 // Closes the descriptors from `first` to `last` with one system call. Where the system does not
 // know that call or refuses it, a loop does it, up to a number that no ordinary limit reaches.
@@ -32,22 +56,14 @@ inline void CloseRange(int first, int last) {
   for (int fd = first; fd <= std::min(last, kEndOfLoop - 1); ++fd) (void)close(fd);
 }
 
-// Leaves a forked child without running exit handlers or flushing what the client has buffered.
-[[noreturn]] inline void LeaveChild(int status) {
-#ifdef GXCLIENT_COVERAGE
-  __gcov_dump();
-#endif
-  _exit(status);  // GCOVR_EXCL_LINE: the counters are written by now
-}
-
-// In the parent: waits for the child's end, through all interruptions. Somebody else may have
+// In the parent: waits for the child's exit, through all interruptions. Somebody else may have
 // reaped it already.
 inline void Reap(pid_t pid) {
   while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
   }
 }
 
-// Owns a child that has to be waited for. The destructor reaps it where Wait() was not reached.
+// Owns a child that has to be waited for. The destructor reaps it unless Wait() was called.
 class Child {
  public:
   Child() = default;
@@ -59,11 +75,12 @@ class Child {
 
   void Own(pid_t pid) { pid_ = pid; }
 
-  // Waits once: an interrupted wait is not retried, on purpose, and leaves the child to itself.
+  // Waits once: an interrupted wait is not retried, because a signal handler of the client may end
+  // it. The child is then left to itself.
   bool Wait(int* status) { return waitpid(std::exchange(pid_, -1), status, 0) >= 0; }
 
  private:
   pid_t pid_ = -1;
 };
 
-}  // namespace GXSupport
+}  // namespace GXInternal

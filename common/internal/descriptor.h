@@ -7,10 +7,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace GXSupport {
+namespace GXInternal {
 
-constexpr int kFirstInheritedFd = 3;  // the first one above the standard descriptors
-constexpr int kLastClosedFd = 1023;   // no program inherits those from there to here; fixed
+// No program inherits the descriptors from the first to the last one. Callers rely on both numbers.
+constexpr int kFirstClosedFd = 3;
+constexpr int kLastClosedFd = 1023;
 
 // Owns one descriptor and closes it once; -1 owns nothing. Hand it on with Release().
 class UniqueFd {
@@ -43,14 +44,15 @@ struct Pipe {
     if (pipe(ends) != 0) return false;
     readEnd.Reset(ends[0]);
     writeEnd.Reset(ends[1]);
-    return Shield(readEnd) && Shield(writeEnd);
+    return MakePrivate(readEnd) && MakePrivate(writeEnd);
   }
   bool IsOpen() const { return writeEnd.Get() >= 0; }
 
  private:
-  static bool Shield(UniqueFd& end) {
-    if (end.Get() < kFirstInheritedFd) {
-      end.Reset(fcntl(end.Get(), F_DUPFD_CLOEXEC, kFirstInheritedFd));
+  // Moves the end above the standard descriptors if necessary, and makes it close-on-exec.
+  static bool MakePrivate(UniqueFd& end) {
+    if (end.Get() < kFirstClosedFd) {
+      end.Reset(fcntl(end.Get(), F_DUPFD_CLOEXEC, kFirstClosedFd));
       return end.Get() >= 0;
     }
     const int flags = fcntl(end.Get(), F_GETFD);
@@ -58,4 +60,4 @@ struct Pipe {
   }
 };
 
-}  // namespace GXSupport
+}  // namespace GXInternal

@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace GXSupport {
+namespace GXInternal {
 
 // The variable's value; one that is not set counts as empty.
 inline std::string Environment(const char* variable) {
@@ -29,4 +29,4 @@ inline std::string SessionBusAddress() {
   return owned ? bus : std::string();
 }
 
-}  // namespace GXSupport
+}  // namespace GXInternal

@@ -10,7 +10,7 @@
 #include "gxclient_util.h"
 #include "internal/environment.h"
 
-namespace GXSupport {
+namespace GXInternal {
 
 constexpr char kPerUserDirectory[] = ".gannorex";
 constexpr char kFallbackHome[] = "/root";
@@ -23,4 +23,4 @@ inline std::string HomeDirectory(std::string user) {
   return entry != nullptr ? entry->pw_dir : kFallbackHome;
 }
 
-}  // namespace GXSupport
+}  // namespace GXInternal

@@ -10,7 +10,7 @@
 
 #include <iconv.h>
 
-namespace GXSupport {
+namespace GXInternal {
 
 constexpr std::size_t kIconvFailed = static_cast<std::size_t>(-1);
 
@@ -68,4 +68,4 @@ class IconvDescriptor {
   iconv_t descriptor_;
 };
 
-}  // namespace GXSupport
+}  // namespace GXInternal

@@ -6,7 +6,7 @@
 
 #include <unistd.h>
 
-namespace GXSupport {
+namespace GXInternal {
 
 // Ends a process whose time is up.
 [[noreturn]] inline void EndNow(int /*signal*/) { _exit(1); }  // GCOVR_EXCL_LINE: as with any _exit
@@ -26,4 +26,4 @@ inline void LimitLifetime(unsigned seconds, void (*end)(int) = EndNow) {
   (void)alarm(seconds);
 }
 
-}  // namespace GXSupport
+}  // namespace GXInternal

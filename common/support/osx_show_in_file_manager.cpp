@@ -18,11 +18,10 @@
 
 namespace {
 
-using GXSupport::Child;
-using GXSupport::CloseRange;
-using GXSupport::kFirstInheritedFd;
-using GXSupport::LeaveChild;
-using GXSupport::Pipe;
+using GXInternal::Child;
+using GXInternal::CloseRange;
+using GXInternal::kFirstClosedFd;
+using GXInternal::Pipe;
 
 constexpr int kShown = 0;
 constexpr int kNothingThere = 1;
@@ -54,7 +53,7 @@ bool TakeDescriptors(const Launch& launch) {
   if (open("/dev/null", O_RDWR) != STDIN_FILENO) return false;
   const int errorOutput = launch.errorOutput >= 0 ? launch.errorOutput : STDIN_FILENO;
   if (dup2(STDIN_FILENO, STDOUT_FILENO) < 0 || dup2(errorOutput, STDERR_FILENO) < 0) return false;
-  CloseRange(kFirstInheritedFd, launch.report - 1);
+  CloseRange(kFirstClosedFd, launch.report - 1);
   CloseRange(launch.report + 1, INT_MAX);
   return true;
 }
@@ -70,7 +69,7 @@ void ResetSignals() {
 }
 
 [[noreturn]] void Leave(const Launch& launch, char report) {
-  LeaveChild(write(launch.report, &report, 1) == 1 ? 0 : 1);
+  _exit(write(launch.report, &report, 1) == 1 ? 0 : 1);
 }
 
 [[noreturn]] void Exec(const Launch& launch) {
@@ -105,7 +104,7 @@ void ResetSignals() {
   const pid_t program = fork();
   if (program < 0) Leave(launch, kFailed);
   if (program == 0) Exec(launch);
-  LeaveChild(0);
+  _exit(0);
 }
 
 // Back in the parent.
@@ -225,7 +224,7 @@ bool IsNoReply(const std::string& errors) {
 }
 
 int AskFileManager(const std::string& path) {
-  if (GXSupport::SessionBusAddress().empty()) return kNotShown;
+  if (GXInternal::SessionBusAddress().empty()) return kNotShown;
   const std::string items = "array:string:" + FileUri(path);
   // Without --print-reply it waits for no answer.
   const char* const argv[] = {"dbus-send",
@@ -252,7 +251,7 @@ std::string DirectoryOf(const std::string& path) {
 
 // xdg-open may not come back before the window is closed, so it is not waited for.
 int OpenDirectory(const std::string& directory) {
-  using GXSupport::Environment;
+  using GXInternal::Environment;
   if ((Environment("DISPLAY") + Environment("WAYLAND_DISPLAY")).empty()) return kNotShown;
   const char* const argv[] = {"xdg-open", directory.c_str(), nullptr};
   return StartDetached(argv) ? kShown : kNotShown;
