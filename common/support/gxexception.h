@@ -1,6 +1,5 @@
 #pragma once
 
-#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -8,23 +7,15 @@
 ///
 /// The module throws it for an empty command only: code 6 from System(), code 11 from
 /// SystemNowait().
-class GXException : public std::exception {
+class GXException : public std::runtime_error {
  public:
-  /// An exception with this code and message.
+  /// An exception with this code and message. what() returns the message up to its first NUL byte.
   GXException(int code, std::string message);
   ~GXException() override;
-  /// Copies share the text of the message: copying does not allocate and cannot throw.
-  GXException(const GXException&) noexcept = default;
-  /// As copying.
-  GXException& operator=(const GXException&) noexcept = default;
 
   /// The code given at construction.
   int code() const noexcept;
 
-  /// The message, up to its first NUL byte.
-  const char* what() const noexcept override;
-
  private:
   int code_;
-  std::runtime_error message_;  // its copies share one text, so that copying cannot throw
 };
