@@ -21,9 +21,9 @@ using GXInternal::IconvDescriptor;
 using GXInternal::kIconvFailed;
 using GXInternal::Normalised;
 
-// Converts with the target that drops what it cannot hold, or where that is refused with the plain
-// one. There is no call for what iconv() holds back at the end, on purpose. The descriptors are
-// closed when this returns.
+// Converts with the target that drops what it cannot hold, or if that is refused with the plain one.
+// The text that iconv() holds back for a final call is lost: callers rely on one call. The
+// descriptors are closed when this returns.
 Conversion ConvertOnce(const char* from, const char* to, const char* in, std::size_t inlen,
                        char* out, std::size_t outlen) {
   std::string ignoringTarget = to;
@@ -35,7 +35,7 @@ Conversion ConvertOnce(const char* from, const char* to, const char* in, std::si
   return {};
 }
 
-void Report(const Conversion& done) {
+void LogLosses(const Conversion& done) {
   if (done.result == kIconvFailed) {
     logfile.Log(done.error == E2BIG ? "iconv: Insufficient space" : "iconv: Bad input data", 2);
     return;
@@ -46,8 +46,8 @@ void Report(const Conversion& done) {
 
 bool IsUtf8OrLocale(std::string_view name) { return name.empty() || name == "UTF-8"; }
 
-// Keeps the ASCII characters before the first zero byte. A byte that is dropped takes room as well,
-// on purpose, and the last byte of `out` is never written.
+// Keeps the ASCII characters before the first zero byte. A dropped byte takes room as well, and the
+// last byte of `out` is never written.
 std::size_t KeepAscii(const char* in, std::size_t inlen, char* out, std::size_t outlen) {
   const char* end = in + std::min(inlen, std::max<std::size_t>(outlen, 1) - 1);
   char* next = out;
@@ -57,13 +57,13 @@ std::size_t KeepAscii(const char* in, std::size_t inlen, char* out, std::size_t 
   return static_cast<std::size_t>(next - out);
 }
 
-// Converts, with every log line that Transcode() promises. Leaves the part of `out` behind the
-// converted text as it is, and returns the size of that text.
-std::size_t ConvertAndReport(const char* from, const char* to, const char* in, std::size_t inlen,
-                             char* out, std::size_t outlen) {
+// Converts, with every log line that Transcode() promises: both forms of it log the same lines. The
+// part of `out` behind the converted text stays as it is. Returns the size of that text.
+std::size_t ConvertAndLog(const char* from, const char* to, const char* in, std::size_t inlen,
+                          char* out, std::size_t outlen) {
   const Conversion done = ConvertOnce(from, to, in, inlen, out, outlen);
   if (done.opened) {
-    Report(done);
+    LogLosses(done);
     return done.written;
   }
   logfile.Log(std::string("iconv: Unable to convert from ") + from + " to " + to, 2);
@@ -73,23 +73,22 @@ std::size_t ConvertAndReport(const char* from, const char* to, const char* in, s
 }
 
 // A buffer of `count` * `perByte` + `more` bytes, not initialised.
-class Scratch {
+class Buffer {
  public:
-  Scratch(std::size_t count, std::size_t perByte, std::size_t more) {
+  Buffer(std::size_t count, std::size_t perByte, std::size_t more) {
     if (count > (SIZE_MAX - more) / perByte) throw std::length_error("the text is too long");
     size_ = count * perByte + more;
-    if (size_ > sizeof small_) large_.reset(new char[size_]);
+    bytes_.reset(new char[size_]);
   }
-  char* Bytes() { return large_ ? large_.get() : small_; }
+  char* Bytes() const { return bytes_.get(); }
   std::size_t Size() const { return size_; }
 
  private:
+  std::unique_ptr<char[]> bytes_;
   std::size_t size_;
-  char small_[256];  // enough for a name or a label, which then need no allocation
-  std::unique_ptr<char[]> large_;
 };
 
-// Lowers the little-endian code units before the first zero one; returns the bytes they take.
+// Lowers the little-endian code units before the first zero one. Returns the bytes that they take.
 std::size_t LowerUnits(char* bytes, std::size_t size) {
   std::size_t at = 0;
   for (; at + 1 < size; at += 2) {
@@ -114,28 +113,24 @@ void Transcode(const char* from, const char* to, const void* in, unsigned long i
   const char* text = inlen == 0 ? &nothing : static_cast<const char*>(in);
   char* buffer = outlen == 0 ? &nothing : static_cast<char*>(out);
   std::memset(buffer, 0, outlen);
-  (void)ConvertAndReport(source.c_str(), target.c_str(), text, inlen, buffer, outlen);
+  (void)ConvertAndLog(source.c_str(), target.c_str(), text, inlen, buffer, outlen);
 }
 
 std::string Transcode(const char* from, const char* to, std::string in) {
-  from = Normalised(from);
-  to = Normalised(to);
-  Scratch scratch(in.size(), 4, 8);
-  const std::size_t written =
-      ConvertAndReport(from, to, in.data(), in.size(), scratch.Bytes(), scratch.Size());
-  in.assign(scratch.Bytes(), strnlen(scratch.Bytes(), written));  // often fits where the input was
+  Buffer out(in.size(), 4, 8);
+  const std::size_t written = ConvertAndLog(Normalised(from), Normalised(to), in.data(), in.size(),
+                                            out.Bytes(), out.Size());
+  in.assign(out.Bytes(), strnlen(out.Bytes(), written));  // often fits where the input was
   return in;
 }
 
 std::string ToLower(std::string text) {
-  Scratch wide(text.size(), 2, 4);
-  Scratch narrow(text.size(), 1, 2);
-  const std::size_t widened =
-      ConvertAndReport("UTF-8", "UCS-2LE", text.data(), text.size(), wide.Bytes(), wide.Size());
-  const std::size_t lowered = LowerUnits(wide.Bytes(), widened);
-  const std::size_t written =
-      ConvertAndReport("UCS-2LE", "UTF-8", wide.Bytes(), lowered, narrow.Bytes(), narrow.Size());
-  text.assign(narrow.Bytes(), strnlen(narrow.Bytes(), written));
+  Buffer wide(text.size(), 2, 4);
+  Buffer narrow(text.size(), 1, 2);
+  Transcode("UTF-8", "UCS-2", text.data(), text.size(), wide.Bytes(), wide.Size());
+  const std::size_t lowered = LowerUnits(wide.Bytes(), wide.Size());
+  Transcode("UCS-2", "UTF-8", wide.Bytes(), lowered, narrow.Bytes(), narrow.Size());
+  text.assign(narrow.Bytes(), strnlen(narrow.Bytes(), narrow.Size()));
   return text;
 }
 
