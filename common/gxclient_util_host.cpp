@@ -30,26 +30,23 @@ constexpr mode_t kDirectoryMode = 0755;
 constexpr mode_t kTempFileMode = 0600;
 constexpr std::size_t kMaxTempPath = 511;  // a longer template is cut and then refused by mkstemp()
 
-bool EnsureDirectory(const char* path) {
-  return CheckFileExist(path) || mkdir(path, kDirectoryMode) == 0;
+bool EnsureDirectory(const std::string& path) {
+  return CheckFileExist(path) || mkdir(path.c_str(), kDirectoryMode) == 0;
 }
 
 // Makes every missing directory of `path`, which begins with a slash.
-bool EnsureEveryDirectory(std::string path) {
-  for (std::size_t start = 1;;) {
-    const std::size_t end = path.find('/', start);
-    if (end == std::string::npos) return EnsureDirectory(path.c_str());
-    path[end] = '\0';  // cuts the path here for the calls
-    if (!EnsureDirectory(path.c_str())) return false;
-    path[end] = '/';
-    start = end + 1;
+bool EnsureEveryDirectory(const std::string& path) {
+  std::size_t end = path.find('/', 1);
+  for (; end != std::string::npos; end = path.find('/', end + 1)) {
+    if (!EnsureDirectory(path.substr(0, end))) return false;
   }
+  return EnsureDirectory(path);
 }
 
 const char* FirstSetVariable(std::initializer_list<const char*> names) {
   for (const char* name : names) {
     const char* value = std::getenv(name);
-    if (value != nullptr) return value;  // an empty one counts, on purpose
+    if (value != nullptr) return value;  // an empty one counts
   }
   return nullptr;
 }
@@ -74,10 +71,9 @@ int SumBogoMips(std::FILE* stream) {
   constexpr char kKey[] = "bogomips";
   int sum = 0;
   bool found = false;
-  // A longer line counts as pieces of 255 bytes, each a line of its own, on purpose.
+  // A longer line counts as pieces of 255 bytes, each a line of its own.
   char line[256];
-  while (std::feof(stream) == 0 && std::ferror(stream) == 0 &&
-         std::fgets(line, sizeof line, stream) != nullptr) {
+  while (std::fgets(line, sizeof line, stream) != nullptr) {
     if (std::strncmp(line, kKey, sizeof kKey - 1) != 0) continue;
     const char* colon = std::strchr(line, ':');
     if (colon == nullptr) continue;
@@ -93,11 +89,9 @@ int SumBogoMips(std::FILE* stream) {
 bool CheckCreateDir(std::string path, bool recursive) {
   if (CheckFileExist(path)) return true;
   if (!recursive) return mkdir(path.c_str(), kDirectoryMode) == 0;
-  // What stands before the first slash is dropped, and a path without one hangs on the root: the
-  // walk takes every path as absolute, on purpose.
+  // Every path is taken as absolute: what precedes its first slash is dropped.
   const std::size_t slash = path.find('/');
-  if (slash == std::string::npos) return EnsureEveryDirectory("/" + path);
-  return EnsureEveryDirectory(std::move(path.erase(0, slash)));
+  return EnsureEveryDirectory(slash == std::string::npos ? "/" + path : path.substr(slash));
 }
 
 std::string GenerateTempFile(std::string name, int* fd) {
