@@ -16,16 +16,7 @@ using namespace std::string_literals;
 
 namespace {
 
-using Arguments = std::vector<std::string>;
-
 const std::string kMissing = "No such file or directory\n";
-
-void ReapEveryChild(int /*signal*/) {
-  const int before = errno;
-  while (waitpid(-1, nullptr, WNOHANG) > 0) {
-  }
-  errno = before;
-}
 
 void BlockAllSignals() {
   sigset_t all;
@@ -43,11 +34,10 @@ void OpenDescriptors() {
 }
 
 TEST(SplitCommandLine, KnowsSpacesAndDoubleQuotesOnly) {
-  const std::pair<std::string, Arguments> cases[] = {
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"  ", {}},
       {"ls  -l /tmp ", {"ls", "-l", "/tmp"}},
-      {"\"my prog\" -x", {"my prog", "-x"}},
-      {"echo \"\"", {"echo", ""}},
+      {"\"my prog\" \"\"", {"my prog", ""}},
       {"a\"b c\"", {"a\"b", "c\""}},
       {"\"a b\"c", {"a b", "c"}},
       {"a \"b c", {"a", "c"}},
@@ -127,24 +117,22 @@ TEST(System, HasTheDefaultActionForSigchldWhileItRuns) {
 }
 
 TEST(CloseAllFds, ClosesExactlyItsRange) {
-  const struct {
-    int first, keep;
-    bool refused = false;  // close_range()
-  } cases[] = {
-      {100, 200}, {100, 0},  {100, 100},   {100, 1023},      {100, 1024},
-      {-5, -7},   {1023, 3}, {1024, 2000}, {100, 200, true}, {-5, -7, true},
-  };
-  for (const auto& c : cases) {
-    EXPECT_TRUE(PassesInChild([&] {
-      OpenDescriptors();
-      std::optional<Armed> refusal;
-      if (c.refused) refusal.emplace(Fault{Call::kCloseRange, kEachTime, EPERM});
-      CloseAllFds(c.first, c.keep);
-      for (int fd = 0; fd < 1100; ++fd) {
-        EXPECT_EQ(fcntl(fd, F_GETFD) >= 0, fd < c.first || fd == c.keep || fd > 1023) << fd;
-      }
-    })) << c.first
-        << ", " << c.keep << ", " << c.refused;
+  const std::pair<int, int> cases[] = {{100, 200}, {100, 0},  {100, 1023}, {-5, -7},
+                                       {3, 3},     {1023, 3}, {1024, 2000}};
+  for (const auto& [first, keep] : cases) {
+    for (const int refused : {kEachTime, 99}) {  // each call of close_range(), or none
+      SCOPED_TRACE(testing::Message() << first << ", " << keep << ", " << refused);
+      EXPECT_TRUE(PassesInChild([&, first = first, keep = keep] {
+        OpenDescriptors();
+        Armed refusal({.call = Call::kCloseRange, .nth = refused, .error = EPERM});
+        CloseAllFds(first, keep);
+        (void)refusal.Disarm();
+        for (int fd = 0; fd < 1100; ++fd) {
+          const bool open = fcntl(fd, F_GETFD) >= 0;
+          EXPECT_EQ(open, fd < first || fd == keep || fd > 1023) << fd;
+        }
+      }));
+    }
   }
 }
 
@@ -186,9 +174,6 @@ TEST(SystemNowait, WritesTheErrorOfAFailedExec) {
   // An interrupted wait for the child is repeated.
   EXPECT_EQ(StartProgram("no-such-program", Fault{Call::kWaitpid}),
             (Outcome{.result = -2, .errors = kMissing}));
-  // An error that execvp() does not document.
-  EXPECT_EQ(StartProgram("true", Fault{.call = Call::kExecvp, .error = ENOTUNIQ}),
-            (Outcome{.result = -2, .errors = std::strerror(ENOTUNIQ) + "\n"s}));
   // The locale of the caller, at the time of the call.
   char translated[] = "nicht vorhanden";
   const Fault locale = {.call = Call::kStrerror, .nth = kEachTime, .answer = translated};
@@ -214,46 +199,38 @@ TEST(SystemNowait, EndsAChildThatCannotWriteItsError) {
   for (const int fd : full) (void)close(fd);
 }
 
-void RunPrograms() {
-  const LeakCheck leaks;
-  const bool hasInput = fcntl(STDIN_FILENO, F_GETFD) >= 0;
-  std::string output;
-  int status = kUnwritten, out = kUnwritten, err = kUnwritten;
-  EXPECT_EQ(System("sh -c \"echo out; echo err >&2; test -e /dev/fd/0\"", &output, &status), 0);
-  EXPECT_EQ(output, "out\nerr\n");
-  EXPECT_EQ(status, hasInput ? 0 : 1);
-  EXPECT_EQ(System("no-such-program"), -2);
-
-  EXPECT_EQ(SystemNowait("no-such-program", &out, &err), -2);
-  EXPECT_EQ(out, kUnwritten);
-  EXPECT_EQ(err, kUnwritten);
-  EXPECT_GT(SystemNowait("sh -c \"echo out; echo err >&2\"", &out, &err), 0);
-  EXPECT_EQ(ReadAll(out), "out\n");
-  EXPECT_EQ(ReadAll(err), "err\n");
-  for (const int fd : {out, err}) {
-    EXPECT_GT(fd, STDERR_FILENO);
-    (void)close(fd);
-  }
-  (void)waitpid(-1, nullptr, 0);  // unless the client's action has reaped it
-}
-
 TEST(Runners, WorkInEveryState) {
-  const struct {
-    const char* what;
-    void (*enter)();
-  } states[] = {
+  const std::pair<const char*, std::function<void()>> states[] = {
       {"as usual", [] {}},
       {"SIGCHLD ignored", [] { (void)std::signal(SIGCHLD, SIG_IGN); }},
-      {"every child reaped", [] { (void)std::signal(SIGCHLD, ReapEveryChild); }},
+      {"children reaped",
+       [] { (void)std::signal(SIGCHLD, [](int) { (void)waitpid(-1, nullptr, WNOHANG); }); }},
       {"all signals blocked", BlockAllSignals},
   };
-  for (const auto& state : states) {
+  const auto runPrograms = [](bool hasInput) {
+    const LeakCheck leaks;
+    std::string output;
+    int status = kUnwritten, out = kUnwritten, err = kUnwritten;
+    EXPECT_EQ(System("sh -c \"echo out; echo err >&2; test -e /dev/fd/0\"", &output, &status), 0);
+    EXPECT_EQ(output, "out\nerr\n");
+    EXPECT_EQ(status, hasInput ? 0 : 1);
+    EXPECT_EQ(System("no-such-program"), -2);
+    EXPECT_EQ(SystemNowait("no-such-program", &out, &err), -2);
+    EXPECT_EQ(out, kUnwritten);
+    EXPECT_EQ(err, kUnwritten);
+    EXPECT_GT(SystemNowait("sh -c \"echo out; echo err >&2\"", &out, &err), 0);
+    EXPECT_EQ(ReadAll(out), "out\n");
+    EXPECT_EQ(ReadAll(err), "err\n");
+    for (const int fd : {out, err}) (void)close(fd);
+    (void)waitpid(-1, nullptr, 0);  // unless the client's action has reaped it
+  };
+  for (const auto& [state, enter] : states) {
     for (int closed = 0; closed < 8; ++closed) {
-      SCOPED_TRACE(testing::Message() << state.what << ", closed descriptors: " << closed);
-      EXPECT_TRUE(PassesInChild([&] {
+      SCOPED_TRACE(testing::Message() << state << ", closed descriptors: " << closed);
+      EXPECT_TRUE(PassesInChild([&, enterState = enter] {
         CloseStandard(closed);
-        state.enter();
-        RunPrograms();
+        enterState();
+        runPrograms((closed & 1) == 0);
       }));
     }
   }
@@ -331,78 +308,64 @@ TEST(Runners, RunBesideThreads) {
   for (int i = 0; i < 100; ++i) {
     int err = -1;
     EXPECT_EQ(SystemNowait("no-such-program", nullptr, &err), -2);
-    EXPECT_EQ(RunProgram("printf x").output, "x");
   }
+  EXPECT_EQ(System("true"), 0);
   done = true;
   for (std::thread& thread : threads) thread.join();
 }
 
 TEST(CheckFileExist, FollowsLinks) {
   const TempDir top;
-  std::filesystem::create_symlink("/tmp", top.path + "/link");
   std::filesystem::create_symlink("/no/such", top.path + "/dangling");
   EXPECT_TRUE(CheckFileExist(top.path));
-  EXPECT_TRUE(CheckFileExist(top.path + "/link"));
+  EXPECT_TRUE(CheckFileExist("/dev/fd"));
   EXPECT_FALSE(CheckFileExist(top.path + "/dangling"));
-  EXPECT_FALSE(CheckFileExist(""));
 }
 
-TEST(CheckFileExecutable, ReadsTheOwnersBitForTheOwner) {
-  const TempDir directory;
-  EXPECT_TRUE(CheckFileExecutable(directory.path));
-  EXPECT_EQ(chmod(directory.path.c_str(), 0677), 0);
-  EXPECT_FALSE(CheckFileExecutable(directory.path));
-  EXPECT_FALSE(CheckFileExecutable("/no/such"));
-}
-
-TEST(CheckFileExecutable, ReadsTheBitOfTheFirstClassThatTheRealIdsBelongTo) {
-  if (getuid() != 0) GTEST_SKIP() << "only the superuser may give files away";
-  constexpr uid_t kUser = 1001;
-  constexpr gid_t kGroup = 1002;
-  const struct {
-    uid_t owner = 0;
-    gid_t group = 0;
-    mode_t mode;
-    bool executable;
-  } cases[] = {
-      {.owner = kUser, .mode = 0100, .executable = true},
-      {.owner = kUser, .group = kGroup, .mode = 0077, .executable = false},
-      {.group = kGroup, .mode = 0010, .executable = true},
-      {.group = kGroup, .mode = 0707, .executable = false},
-      {.mode = 0701, .executable = true},
-      {.mode = 0776, .executable = false},
-  };
+TEST(CheckFileExecutable, ReadsTheBitOfTheFirstClassThatTheCallerBelongsTo) {
   const TempDir file;
-  EXPECT_TRUE(PassesInChild([&] {
-    ASSERT_EQ(setresgid(kGroup, 0, 0), 0);
-    ASSERT_EQ(setresuid(kUser, 0, 0), 0);
-    for (const auto& c : cases) {
-      ASSERT_EQ(chown(file.path.c_str(), c.owner, c.group), 0);
-      ASSERT_EQ(chmod(file.path.c_str(), c.mode), 0);
-      EXPECT_EQ(CheckFileExecutable(file.path), c.executable) << std::oct << c.mode;
-    }
+  const auto executable = [&](uid_t owner, gid_t group, mode_t mode) {
+    EXPECT_EQ(chown(file.path.c_str(), owner, group), 0);
+    EXPECT_EQ(chmod(file.path.c_str(), mode), 0);
+    return CheckFileExecutable(file.path);
+  };
+  const uid_t user = getuid();
+  const gid_t group = getgid();
+  EXPECT_TRUE(executable(user, group, 0100));
+  EXPECT_FALSE(executable(user, group, 0677));
+  EXPECT_FALSE(CheckFileExecutable("/no/such"));
+  if (user != 0) GTEST_SKIP() << "only the superuser may give files away";
+  EXPECT_TRUE(executable(1001, group, 0010));
+  EXPECT_FALSE(executable(1001, group, 0707));
+  EXPECT_TRUE(executable(1001, 1002, 0701));
+  EXPECT_FALSE(executable(1001, 1002, 0776));
+  EXPECT_TRUE(PassesInChild([&] {  // the real ids count
+    EXPECT_EQ(setresgid(1002, 0, 0), 0);
+    EXPECT_EQ(setresuid(1001, 0, 0), 0);
+    EXPECT_TRUE(executable(1001, 0, 0100));
+    EXPECT_TRUE(executable(0, 1002, 0010));
   }));
 }
 
 TEST(Which, TakesEachEntryOfPathAsItIsWritten) {
+  const TempDir top;
+  const std::string makeFiles = "cd " + top.path +
+                                " && mkdir -p a/sub b && touch a/none && ln -s nowhere a/tool"
+                                " && install /dev/null a/sub/tool && install /dev/null b/tool";
+  ASSERT_EQ(std::system(makeFiles.c_str()), 0);
   const struct {
     const char *path, *name, *found;
   } cases[] = {
       {"a:b", "tool", "b/tool"},  // a/tool is a dangling link
       {"a/sub:b", "tool", "a/sub/tool"},
+      {"b/:a", "sub/tool", "a/sub/tool"},
       {"b/", "tool", "b//tool"},
-      {"b:a", "sub/tool", "a/sub/tool"},
       {"a", "none", ""},      // not executable
       {":b", "bin", "/bin"},  // an empty entry is the root directory
       {"a/none:b", "", "b/"},
       {"b", "/bin/sh", "/bin/sh"},
       {"b", "/etc/passwd", ""},
   };
-  const TempDir top;
-  const std::string makeFiles = "cd " + top.path +
-                                " && mkdir -p a/sub b && touch a/none && ln -s nowhere a/tool"
-                                " && install /dev/null a/sub/tool && install /dev/null b/tool";
-  ASSERT_EQ(std::system(makeFiles.c_str()), 0);
   EXPECT_TRUE(PassesInChild([&] {
     std::filesystem::current_path(top.path);
     for (const auto& c : cases) {

@@ -8,7 +8,6 @@
 /// The calls that a test can make fail. kNew is any allocation.
 enum class Call {
   kCloseRange,
-  kExecvp,
   kFcntl,
   kFopen,
   kFork,
@@ -45,7 +44,7 @@ class Armed {
   explicit Armed(const Fault& fault);
   Armed(const Armed&) = delete;
   Armed& operator=(const Armed&) = delete;
-  /// Fails the test if the fault did not fire, here or in a forked child.
+  /// Fails the test if the fault did not fire.
   ~Armed();
 
   /// For a fault that need not fire: ends it and returns whether it has fired.
@@ -56,7 +55,8 @@ class Armed {
 
   Fault fault_;
   int calls_ = 0;
-  bool* fired_;  // in memory that forked children share
+  bool fired_ = false;
+  bool disarmed_ = false;
   Armed* outer_;
 };
 
