@@ -181,6 +181,14 @@ TEST(SystemNowait, WritesTheErrorOfAFailedExec) {
             (Outcome{.result = -2, .errors = "nicht vorhanden\n"}));
 }
 
+TEST(SystemNowait, WritesAnErrorThatExecvpDoesNotDocument) {
+  testing::internal::CaptureStderr();
+  Armed unusual({.call = Call::kExecvp, .error = ENOTUNIQ});
+  EXPECT_EQ(SystemNowait("true"), -2);
+  (void)unusual.Disarm();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), std::strerror(ENOTUNIQ) + "\n"s);
+}
+
 // Nobody reads the full pipe. If the child may be process 1 of a PID namespace, no default action
 // ends it.
 TEST(SystemNowait, EndsAChildThatCannotWriteItsError) {
@@ -264,6 +272,29 @@ TEST(Runners, ShareNoOtherDescriptorBelow1024) {
     EXPECT_EQ(output, "0, 1024, 1099\n");
     EXPECT_GT(SystemNowait(list, &out), 0);
     EXPECT_EQ(ReadAll(out), "0, 1024, 1099\n");
+  }));
+}
+
+TEST(Runners, PassOnTheSignalMask) {
+  EXPECT_TRUE(PassesInChild([] {
+    sigset_t mask;
+    sigemptyset(&mask);
+    sigaddset(&mask, SIGUSR1);
+    (void)sigprocmask(SIG_SETMASK, &mask, nullptr);
+    EXPECT_EQ(RunProgram("grep SigBlk /proc/self/status").output, "SigBlk:\t0000000000000200\n");
+    sigset_t after;
+    (void)sigprocmask(SIG_SETMASK, nullptr, &after);
+    EXPECT_EQ(sigismember(&after, SIGUSR1), 1);
+    EXPECT_EQ(sigismember(&after, SIGUSR2), 0);
+  }));
+}
+
+// A handler could jump back into the client's main loop, in a second process.
+TEST(Runners, RunNoHandlerOfTheClientInTheChild) {
+  EXPECT_TRUE(PassesInChild([] {
+    (void)std::signal(SIGUSR1, [](int) {});
+    (void)pthread_atfork(nullptr, nullptr, [] { (void)raise(SIGUSR1); });
+    EXPECT_EQ(System("true"), -1);  // the signal ends the child
   }));
 }
 

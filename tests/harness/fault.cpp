@@ -59,6 +59,7 @@ extern "C" {
     return Firing(Call::call) ? (result)-1 : __real_##name arguments; \
   }
 
+FAILING(kExecvp, int, execvp, (const char* file, char* const* argv), (file, argv))
 FAILING(kFork, pid_t, fork, (), ())
 FAILING(kIconvOpen, iconv_t, iconv_open, (const char* to, const char* from), (to, from))
 FAILING(kMkdir, int, mkdir, (const char* path, mode_t mode), (path, mode))

@@ -8,6 +8,7 @@
 /// The calls that a test can make fail. kNew is any allocation.
 enum class Call {
   kCloseRange,
+  kExecvp,
   kFcntl,
   kFopen,
   kFork,
@@ -47,7 +48,8 @@ class Armed {
   /// Fails the test if the fault did not fire.
   ~Armed();
 
-  /// For a fault that need not fire: ends it and returns whether it has fired.
+  /// For a fault that need not fire, or fires in a forked child, unseen: ends it and returns whether
+  /// it has fired here.
   bool Disarm();
 
  private:
