@@ -64,6 +64,7 @@ FAILING(kFork, pid_t, fork, (), ())
 FAILING(kIconvOpen, iconv_t, iconv_open, (const char* to, const char* from), (to, from))
 FAILING(kMkdir, int, mkdir, (const char* path, mode_t mode), (path, mode))
 FAILING(kPipe, int, pipe, (int ends[2]), (ends))
+FAILING(kPoll, int, poll, (pollfd * fds, nfds_t count, int timeout), (fds, count, timeout))
 FAILING(kRead, ssize_t, read, (int fd, void* buffer, std::size_t size), (fd, buffer, size))
 FAILING(kSigaction, int, sigaction,
         (int signal, const struct sigaction* action, struct sigaction* old), (signal, action, old))
@@ -71,13 +72,6 @@ FAILING(kWaitpid, pid_t, waitpid, (pid_t pid, int* status, int options), (pid, s
 // The module passes integers only to these two variadic calls.
 FAILING(kFcntl, int, fcntl, (int fd, int command, long argument), (fd, command, argument))
 FAILING(kCloseRange, long, syscall, (long number, long a, long b, long c), (number, a, b, c))
-
-int __real_poll(pollfd* fds, nfds_t count, int timeout);
-int __wrap_poll(pollfd* fds, nfds_t count, int timeout) {
-  const Fault* fault = Firing(Call::kPoll);
-  if (fault == nullptr) return __real_poll(fds, count, timeout);
-  return fault->error == 0 ? 0 : -1;
-}
 
 std::size_t __real_iconv(iconv_t, char** in, std::size_t*, char** out, std::size_t*);
 std::size_t __wrap_iconv(iconv_t to, char** in, std::size_t* inSize, char** out,

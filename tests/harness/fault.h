@@ -35,8 +35,7 @@ struct Fault {
   int error = EINTR;
   /// The result of fopen(), getpwnam(), getpwuid() and strerror().
   void* answer = nullptr;
-  // With the error 0, poll() reports that the time is up, and iconv() that it has converted
-  // nothing and replaced two characters.
+  // With the error 0, iconv() has converted nothing and replaced two characters.
 };
 
 /// Arms a fault while it exists. Calls of the test framework count as well: arm late, disarm early.
