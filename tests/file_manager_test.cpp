@@ -148,7 +148,7 @@ TEST_F(ShowInFileManager, EndsAProgramThatDoesNotAnswer) {
 
 TEST_F(ShowInFileManager, WorksInEveryState) {
   Set("DBUS_SEND", kRefuses);
-  void (*const handlers[])(int) = {SIG_DFL, SIG_IGN, [](int) { (void)wait(nullptr); }};
+  void (*const handlers[])(int) = {SIG_DFL, SIG_IGN, ReapEveryChild};
   sigset_t others;
   sigfillset(&others);
   sigdelset(&others, SIGCHLD);

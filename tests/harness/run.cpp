@@ -85,6 +85,13 @@ void CloseStandard(int set) {
   }
 }
 
+void ReapEveryChild(int /*signal*/) {
+  const int before = errno;
+  while (waitpid(-1, nullptr, WNOHANG) > 0) {
+  }
+  errno = before;
+}
+
 std::string ReadAll(int fd) {
   std::string all;
   char piece[512];

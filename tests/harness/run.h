@@ -49,6 +49,9 @@ bool PassesInChild(const std::function<void()>& body);
 /// Closes the standard descriptors in the set: bit 0 for descriptor 0, and so on. For a child.
 void CloseStandard(int set);
 
+/// A handler for SIGCHLD that leaves no child to anybody else.
+void ReapEveryChild(int signal);
+
 /// Reads the descriptor to its end.
 std::string ReadAll(int fd);
 
