@@ -2,6 +2,7 @@
 
 #include <regex>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -35,4 +36,13 @@ TEST(Logfile, KeepsTheLinesOfThreadsApart) {
     EXPECT_EQ(line.substr(line.find('[')), "[4] " + longMessage);
   }
   EXPECT_EQ(count, 200);
+}
+
+TEST(GXException, IsARuntimeErrorWithACode) {
+  try {
+    throw GXException(6, "Empty command");
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "Empty command");
+    EXPECT_EQ(dynamic_cast<const GXException&>(error).code(), 6);
+  }
 }
