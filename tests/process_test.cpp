@@ -168,16 +168,16 @@ TEST(SystemNowait, ReportsEachFailedCall) {
 }
 
 TEST(SystemNowait, WritesTheErrorOfAFailedExec) {
-  EXPECT_EQ(StartProgram("no-such-program"), (Outcome{.result = -2, .errors = kMissing}));
+  EXPECT_EQ(StartProgram("/no/such"), (Outcome{.result = -2, .errors = kMissing}));
   EXPECT_EQ(StartProgram(" "), (Outcome{.result = -2, .errors = kMissing}));
   EXPECT_EQ(StartProgram(""), (Outcome{.thrown = "11 Empty command"}));
   // An interrupted wait for the child is repeated.
-  EXPECT_EQ(StartProgram("no-such-program", Fault{Call::kWaitpid}),
+  EXPECT_EQ(StartProgram("/no/such", Fault{Call::kWaitpid}),
             (Outcome{.result = -2, .errors = kMissing}));
   // The locale of the caller, at the time of the call.
   char translated[] = "nicht vorhanden";
   const Fault locale = {.call = Call::kStrerror, .nth = kEachTime, .answer = translated};
-  EXPECT_EQ(StartProgram("no-such-program", locale),
+  EXPECT_EQ(StartProgram("/no/such", locale),
             (Outcome{.result = -2, .errors = "nicht vorhanden\n"}));
 }
 
