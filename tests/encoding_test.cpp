@@ -1,60 +1,176 @@
-// Conversions that fail; fuzz/encoding_fuzz.cpp compares the others with iconv().
+// Conversion between encodings, and lower case.
 
+#include <clocale>
 #include <stdexcept>
 #include <vector>
 
-#include "harness/harness.h"
+#include "harness/run.h"
 
-using namespace std::string_literals;
 using namespace GXUtils;
+using namespace std::string_literals;
 
+namespace {
+
+const std::string kNoSpace = "2 iconv: Insufficient space\n";
+const std::string kBadInput = "2 iconv: Bad input data\n";
+const std::string kReplaced = "2 iconv: Non-reversible conversion performed\n";
 const std::string kUnable = "2 iconv: Unable to convert from ";
 const std::string kFallback = "2 iconv: Using ASCII truncation fallback\n";
 
-TEST(Transcode, ReportsEveryProblemAndKeepsWhatItCan) {
-  const std::string replaced = "2 iconv: Non-reversible conversion performed\n";
-  const struct {
-    const char *from, *to;
-    std::string in, out, log;  // `out` is the whole buffer
-    int refused;               // so many times iconv_open() fails
-    bool replaces = false;     // iconv() leaves all and counts replaced characters
-  } cases[] = {
-      {"UTF-8", "ISO-8859-1", "a\xFF-", "a\0\0"s, "2 iconv: Bad input data\n", 1},
-      {"UTF-8", "UTF-8", "ab", "\0\0"s, "2 iconv: Insufficient space\n" + replaced, 0, true},
-      {"UTF-8", "UTF-8", "", "\0\0"s, replaced, 0, true},
-      {"UTF-8", "UCS-2", "ab", "\0\0"s, kUnable + "UTF-8 to UCS-2LE\n", 2},
-      {"UCS-2", "UTF-8", "a\0"s, "\0\0"s, kUnable + "UCS-2LE to UTF-8\n", 2},
-      {"UTF-8", "", "Grüße", "Gre\0\0\0\0\0\0"s, kUnable + "UTF-8 to \n" + kFallback, 2},
-      {"", "UTF-8", "abcdef", "abc\0"s, kUnable + " to UTF-8\n" + kFallback, 2},
-      {"", "", "\x80\xFF-\0b"s, "-\0\0\0\0"s, kUnable + " to \n" + kFallback, 2},
-      {"", "", "a", "", kUnable + " to \n" + kFallback, 2},
-      {"", "", "a", "\0"s, kUnable + " to \n" + kFallback, 2},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.in + " from " + c.from + " to " + c.to);
-    logged.clear();
-    std::string buffer = std::string(c.out.size(), 'j') + "guard";
-    char* out = c.out.empty() ? nullptr : buffer.data();
-    const std::vector<char> input(c.in.begin(), c.in.end());  // nothing readable behind it
-    const Failing first("iconv_open", c.refused > 0 ? 1 : 0, EINVAL);
-    const Failing second("iconv_open", c.refused > 1 ? 2 : 0, EMFILE);
-    const Failing conversion("iconv", c.replaces ? 1 : 0, 0);
-    Transcode(c.from, c.to, input.data(), input.size(), out, c.out.size());
-    EXPECT_EQ(buffer, c.out + "guard");
-    EXPECT_EQ(logged, c.log);
-  }
+// A converted text and the log lines.
+using Converted = std::pair<std::string, std::string>;
+
+// Converts into a buffer of `size` bytes, and returns all of it.
+Converted Convert(const char* from, const char* to, const std::string& text, std::size_t size) {
+  const std::vector<char> input(text.begin(), text.end());  // a read past its end is noticed
+  std::string buffer = std::string(size, '?') + "guard";
+  logged.clear();
+  Transcode(from, to, input.data(), input.size(), size == 0 ? nullptr : buffer.data(), size);
+  EXPECT_EQ(buffer.substr(size), "guard");
+  return {buffer.substr(0, size), logged};
 }
 
-TEST(Transcode, ThrowsWhatItsCallerHasToKnow) {
-  EXPECT_THROW(Transcode("UTF-8", nullptr, "a"), std::logic_error);
+// The same if iconv_open() refuses.
+Converted Refused(const char* from, const char* to, const std::string& text, std::size_t size) {
+  const Armed refused({.call = Call::kIconvOpen, .nth = kEachTime, .error = EINVAL});
+  return Convert(from, to, text, size);
+}
+
+TEST(Transcode, FillsTheRestOfTheBufferWithZeros) {
+  EXPECT_EQ(Convert("ISO-8859-1", "UTF-8", "a\xE4", 5), Converted("aä\0\0"s, ""));
+  EXPECT_EQ(Convert("UTF-8", "UTF-8", "abc", 3), Converted("abc", ""));
+  EXPECT_EQ(Convert("UTF-8", "UTF-8", "", 2), Converted("\0\0"s, ""));
+}
+
+TEST(Transcode, TakesUtf16AndUcs2ForLittleEndian) {
+  EXPECT_EQ(Convert("UTF-16", "UTF-8", "A\0B\0"s, 4), Converted("AB\0\0"s, ""));
+  EXPECT_EQ(Convert("UTF-8", "UCS-2", "Ab", 4), Converted("A\0b\0"s, ""));
+}
+
+TEST(Transcode, ReportsATextThatDoesNotFit) {
+  EXPECT_EQ(Convert("UTF-8", "UTF-8", "abc", 2), Converted("ab", kNoSpace));
+  EXPECT_EQ(Convert("UTF-8", "UTF-8", "a", 0), Converted("", kNoSpace));
+}
+
+TEST(Transcode, StopsAtBadInput) {
+  EXPECT_EQ(Convert("UTF-8", "UTF-8", "a\xC3", 3), Converted("a\0\0"s, kBadInput));
+  const Armed noIgnoring({.call = Call::kIconvOpen, .error = EINVAL});
+  EXPECT_EQ(Convert("UTF-8", "ISO-8859-1", "a€b", 3), Converted("a\0\0"s, kBadInput));
+}
+
+TEST(Transcode, DropsCharactersThatTheTargetDoesNotHave) {
+#ifndef __GLIBC__
+  GTEST_SKIP() << "another C library may replace them";
+#endif
+  EXPECT_EQ(Convert("UTF-8", "ISO-8859-1", "a€b", 3), Converted("ab\0"s, kBadInput));
+}
+
+TEST(Transcode, ReportsReplacedCharactersAndInputLeftOver) {
+  const Armed replacing({.call = Call::kIconv, .nth = kEachTime, .error = 0});
+  EXPECT_EQ(Convert("UTF-8", "UTF-8", "", 1), Converted("\0"s, kReplaced));
+  EXPECT_EQ(Convert("UTF-8", "UTF-8", "ab", 1), Converted("\0"s, kNoSpace + kReplaced));
+}
+
+TEST(Transcode, NamesTheEncodingsThatItCannotConvert) {
+  const Converted unknown = {"\0"s, kUnable + "unknown to UTF-8\n"};
+  EXPECT_EQ(Convert("unknown", "UTF-8", "a", 1), unknown);
+  const Converted littleEndian = {"\0"s, kUnable + "UTF-16LE to UCS-2LE\n"};
+  EXPECT_EQ(Refused("UTF-16", "UCS-2", "a", 1), littleEndian);
+  const Converted otherSpelling = {"\0"s, kUnable + "utf-16 to UTF16\n"};
+  EXPECT_EQ(Refused("utf-16", "UTF16", "a", 1), otherSpelling);
+}
+
+TEST(Transcode, KeepsAsciiIfIconvCannotConvertFromOrToTheLocale) {
+  const std::string from = kUnable + "UTF-8 to \n" + kFallback;
+  EXPECT_EQ(Refused("UTF-8", "", "Grüße", 8), Converted("Gre\0\0\0\0\0"s, from));
+  const std::string to = kUnable + " to UTF-8\n" + kFallback;
+  EXPECT_EQ(Refused("", "UTF-8", "abcdef", 4), Converted("abc\0"s, to));
+  EXPECT_EQ(Refused("", "UTF-8", "éab", 4), Converted("a\0\0\0"s, to));
+  EXPECT_EQ(Refused("", "UTF-8", "a\0b"s, 4), Converted("a\0\0\0"s, to));
+  EXPECT_EQ(Refused("", "UTF-8", "a", 1), Converted("\0"s, to));
+  EXPECT_EQ(Refused("", "UTF-8", "a", 0), Converted("", to));
+}
+
+TEST(Transcode, ThrowsForANullNameAndKeepsTheBuffer) {
+  char buffer = '?';
+  EXPECT_THROW(Transcode(nullptr, "UTF-8", "a", 1, &buffer, 1), std::logic_error);
+  EXPECT_THROW(Transcode("UTF-8", nullptr, "a", 1, &buffer, 1), std::logic_error);
+  EXPECT_EQ(buffer, '?');
+}
+
+TEST(Transcode, PropagatesAnExceptionOfTheLog) {
   logThrows = true;
   EXPECT_THROW(Transcode("UTF-8", "UTF-8", "\xC3"), std::runtime_error);
   logThrows = false;
 }
 
-TEST(ToLower, HasNoFallback) {
-  logged.clear();
-  const Failing ignoring("iconv_open", 1, EINVAL), plain("iconv_open", 2, EINVAL);
-  EXPECT_EQ(ToLower("A"), "");
-  EXPECT_EQ(logged, kUnable + "UTF-8 to UCS-2LE\n");
+TEST(TranscodeString, IsTheTextUpToItsFirstZeroByte) {
+  EXPECT_EQ(Transcode("UTF-16", "UTF-8", "A\0B\0"s), "AB");
+  EXPECT_EQ(Transcode("UTF-8", "UTF-16", "ab"), "a");
+  EXPECT_EQ(Transcode("unknown", "UTF-8", "ab"), "");
+  const std::string text(300, 'a');
+  EXPECT_EQ(Transcode("UTF-8", "", text), text);
 }
+
+TEST(TranscodeString, MayFillItsRoom) {
+  logged.clear();
+  const std::string text = Transcode("TSCII", "UTF-8", "\x82");  // one byte becomes twelve
+  if (!logged.empty()) GTEST_SKIP() << logged;
+  EXPECT_EQ(text, "ஸ்ரீ");
+}
+
+Converted Lower(const std::string& text) {
+  logged.clear();
+  const std::string lowered = ToLower(text);
+  return {lowered, logged};
+}
+
+TEST(ToLower, LowersTheLettersOfTheLocale) {
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  EXPECT_EQ(Lower("ÄΩЖA AZ az 09 [@]"), Converted("äωжa az az 09 [@]", ""));
+  std::setlocale(LC_CTYPE, "C");
+  EXPECT_EQ(Lower("AZ az 09 [@]"), Converted("az az 09 [@]", ""));
+#ifdef __GLIBC__
+  EXPECT_EQ(Lower("ÄA"), Converted("Äa", ""));
+#endif
+}
+
+TEST(ToLower, EndsAtTheFirstNulCharacter) {
+  EXPECT_EQ(Lower("AB\0C"s), Converted("ab", ""));
+  EXPECT_EQ(Lower(""), Converted("", ""));
+}
+
+TEST(ToLower, TruncatesATextThatGrowsByMoreThanTwoBytes) {
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  EXPECT_EQ(Lower("ȺȺ"), Converted("ⱥⱥ", ""));
+  EXPECT_EQ(Lower("ȺȺȺ"), Converted("ⱥⱥ", kNoSpace));
+  std::setlocale(LC_CTYPE, "C");
+}
+
+TEST(ToLower, DropsCharactersThatUcs2DoesNotHave) {
+#ifndef __GLIBC__
+  GTEST_SKIP() << "another C library may replace them";
+#endif
+  EXPECT_EQ(Lower("A😀B"), Converted("ab", kBadInput));
+}
+
+TEST(ToLower, IsEmptyIfIconvCannotConvert) {
+  const std::string there = kUnable + "UTF-8 to UCS-2LE\n";
+  const std::string back = kUnable + "UCS-2LE to UTF-8\n";
+  {
+    // The second attempt is without "//IGNORE".
+    const Armed first({.call = Call::kIconvOpen, .nth = 1}),
+        second({.call = Call::kIconvOpen, .nth = 2});
+    EXPECT_EQ(Lower("A"), Converted("", there));
+  }
+  const Armed every({.call = Call::kIconvOpen, .nth = kEachTime});
+  EXPECT_EQ(Lower("A"), Converted("", there + back));
+}
+
+TEST(Encodings, LeaveNothingBehind) {
+  const std::string text(300, 'A');
+  LeavesNothingBehind([&] { Transcode("UTF-8", "", text); });
+  LeavesNothingBehind([&] { ToLower(text); });
+}
+
+}  // namespace
