@@ -1,94 +1,300 @@
-// What gxutil.session cannot show of these functions; fuzz/nfs_fuzz.cpp has the export options.
+// Files, users and the host.
 
 #include <climits>
+#include <clocale>
+#include <fstream>
 
+#include <fcntl.h>
 #include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#include "harness/harness.h"
+#include "harness/run.h"
+#include "harness/temp_dir.h"
+#include "support/exportdata.h"
+#include "support/gxclient_prefix.h"
 
+using namespace GXUtils;
 using namespace std::string_literals;
 
 namespace {
 
-TEST(GenerateTempFile, HandsOverItsDescriptor) {
-  const LeakCheck leaks;
+int Mode(const std::string& path) {
+  return static_cast<int>(std::filesystem::status(path).permissions());
+}
+
+bool Exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+
+TEST(CheckCreateDir, MakesOneDirectory) {
+  const TempDir top;
+  umask(022);
+  EXPECT_TRUE(CheckCreateDir(top.path + "/a", false));
+  EXPECT_TRUE(CheckCreateDir(top.path + "/a", false));
+  EXPECT_EQ(Mode(top.path + "/a"), 0755);
+  EXPECT_FALSE(CheckCreateDir(top.path + "/b/c", false));
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_FALSE(Exists(top.path + "/b"));
+}
+
+TEST(CheckCreateDir, MakesEveryMissingDirectoryIfRecursive) {
+  const TempDir top;
+  umask(077);
+  EXPECT_TRUE(CheckCreateDir(top.path + "/a//b/", true));
+  umask(022);
+  EXPECT_EQ(Mode(top.path + "/a"), 0700);
+  EXPECT_EQ(Mode(top.path + "/a/b"), 0700);
+  EXPECT_FALSE(CheckCreateDir(top.path + "/c/" + std::string(256, 'x') + "/d", true));
+  EXPECT_EQ(errno, ENAMETOOLONG);
+  EXPECT_TRUE(Exists(top.path + "/c"));  // made before the failure
+}
+
+TEST(CheckCreateDir, TakesAnyFileForTheDirectory) {
+  const TempDir top;
+  std::ofstream(top.path + "/file");
+  EXPECT_TRUE(CheckCreateDir(top.path + "/file", true));
+  EXPECT_FALSE(CheckCreateDir(top.path + "/file/x", true));
+  EXPECT_EQ(errno, ENOTDIR);
+  std::filesystem::create_symlink("no/such", top.path + "/link");
+  EXPECT_FALSE(CheckCreateDir(top.path + "/link", true));
+  EXPECT_EQ(errno, EEXIST);
+}
+
+TEST(CheckCreateDir, TakesARelativePathFromTheRootDirectoryIfRecursive) {
+  const TempDir top;
+  EXPECT_TRUE(CheckCreateDir("x" + top.path + "/a", true));
+  EXPECT_TRUE(Exists(top.path + "/a"));
+  EXPECT_TRUE(CheckCreateDir("tmp", true));
+  EXPECT_TRUE(CheckCreateDir("", true));
+  EXPECT_FALSE(CheckCreateDir("", false));
+}
+
+TEST(GenerateTempFile, MakesAFileForItsOwner) {
   int fd = -2;
-  for (const std::string& name : {"aXXXXXX\0"s, std::string(500, '/')}) {  // the longest one
-    const std::string path = GXUtils::GenerateTempFile(name, &fd);
-    EXPECT_EQ(path.size(), name.size() == 500 ? 511U : sizeof "/tmp/aXXXXXX" - 1);
-    EXPECT_EQ(write(fd, "x", 1), 1);
-    EXPECT_EQ(std::filesystem::file_size(path), 1U);
-    close(fd);
-    EXPECT_EQ(unlink(path.c_str()), 0);
-  }
-  for (const std::string& refused : {"a\0b"s, "no/such/directory"s, std::string(501, '/')}) {
-    EXPECT_EQ(GXUtils::GenerateTempFile(refused, &fd), "");
+  umask(0777);
+  const std::string path = GenerateTempFile("abc", &fd);
+  umask(022);
+  EXPECT_EQ(path.substr(0, 8), "/tmp/abc");
+  EXPECT_EQ(path.size(), sizeof "/tmp/abcXXXXXX" - 1);
+  EXPECT_EQ(Mode(path), 0600);
+  EXPECT_EQ(write(fd, "text", 4), 4);
+  EXPECT_EQ(std::filesystem::file_size(path), 4U);
+  EXPECT_EQ(close(fd), 0);
+  EXPECT_EQ(unlink(path.c_str()), 0);
+}
+
+TEST(GenerateTempFile, TakesNamesOfUpTo500Bytes) {
+  const LeakCheck leaks;
+  const std::string path = GenerateTempFile(std::string(500, '/'), nullptr);
+  EXPECT_EQ(path.size(), 511U);
+  EXPECT_EQ(unlink(path.c_str()), 0);
+  int fd = -2;
+  for (const std::string& name : {std::string(501, '/'), "a\0b"s, "no/such/directory"s}) {
+    EXPECT_EQ(GenerateTempFile(name, &fd), "");
     EXPECT_EQ(fd, -1);
   }
 }
 
-TEST(PasswordDatabase, IsAskedForARootDirectoryAndForAMissingName) {
-  const auto home = [] { return GXUtils::calcHomeDir("aén"); };
-  const auto user = [] { return GXUtils::calcRunningUser(); };
-  // A conversion that cannot be made tells its direction, whatever the locale.
-  const std::string unable = "2 iconv: Unable to convert from ";
-  const std::string fallback = "\n2 iconv: Using ASCII truncation fallback\n";
-  const std::string ascii = unable + "UTF-8 to " + fallback + "an";
-  const std::string id = unable + " to UTF-8" + fallback + std::to_string(getuid());
-  char known[] = "known";
-  const struct {
-    std::function<std::string()> function;
-    const char* variable;  // HOME
-    char* found;           // in the only entry; null: there is none
-    std::string result, lookedUp;
-  } cases[] = {
-      {home, "//", known, "//", ""},        {home, "/", known, known, ascii},
-      {home, "/", nullptr, "/root", ascii}, {user, "/", known, known, id},
-      {user, "/", nullptr, "", id},
-  };
-  for (const auto& c : cases) {
-    EXPECT_TRUE(PassesInChild([&] {
-      passwd entry{};
-      entry.pw_name = entry.pw_dir = c.found;
-      fakePasswd = c.found != nullptr ? &entry : nullptr;
-      const Failing byName("getpwnam", 1, 0), byId("getpwuid", 1, 0), refused("mkdir", 1, EACCES);
-      const Failing ignoring("iconv_open", 1, EINVAL), plain("iconv_open", 2, EINVAL);
-      for (const char* name : {"LOGNAME", "USERNAME", "USER"}) (void)unsetenv(name);
-      (void)setenv("HOME", c.variable, 1);
-      (void)!seteuid(1001);
-      EXPECT_EQ(c.function(), c.result);
-      EXPECT_EQ(logged + lookedUp, c.lookedUp);
-      (void)!seteuid(getuid());  // which may write what a coverage build has counted
-    })) << c.result
-        << ", " << c.lookedUp;
-  }
+TEST(UnlinkOrTruncate, RemovesAFileOrALink) {
+  const TempDir top;
+  const std::string file = top.path + "/file", link = top.path + "/link";
+  std::ofstream(file).put('x');
+  std::filesystem::create_symlink(file, link);
+  EXPECT_EQ(UnlinkOrTruncate(link.c_str()), 0);
+  EXPECT_EQ(std::filesystem::file_size(file), 1U);
+  EXPECT_EQ(UnlinkOrTruncate(file.c_str()), 0);
+  EXPECT_EQ(UnlinkOrTruncate(file.c_str()), -1);
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_EQ(UnlinkOrTruncate(top.path.c_str()), -1);
 }
 
-TEST(GetBogoMips, AddsUpTheProcessorsLines) {
-  const struct {
-    const char* what;
-    std::string text;
-    int sum;
-  } cases[] = {
-      {"no such line", "bogomips 1\nBogoMIPS\t: 38.00\n bogomips: 1\nbogomip: 1\n", -1},
-      {"two processors", "bogomips\t: 5986.12\nx\nbogomips : 05986.99\n", 11972},
-      {"the first colon", "bogomips:1:7\nbogomips 2:-3", -2},
-      {"no number", "bogomips without\nbogomips: none", 0},
-      {"too high", "bogomips: 99999999999999999999\nbogomips: 5", INT_MAX},
-      {"too low", "bogomips: -9999999999\nbogomips: -1", INT_MIN},
-      {"a piece of 255 bytes is a line", std::string(255, 'x') + "bogomips:4\n", 4},
-      {"its end is one", "bogomips" + std::string(247, ' ') + ":5\n", -1},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    const LeakCheck leaks;
-    fakeFile = fmemopen(const_cast<char*>(c.text.data()), c.text.size(), "r");
-    const Failing given("fopen", 1, 0);
-    EXPECT_EQ(GXUtils::GetBogoMips(), c.sum);
+TEST(winGetTempDir, IsEmpty) { EXPECT_EQ(winGetTempDir(), ""); }
+
+// Sets a variable of the environment; null unsets it.
+void Set(const char* name, const char* value) {
+  (void)(value != nullptr ? setenv(name, value, 1) : unsetenv(name));
+}
+
+TEST(calcHomeDir, MakesThePerUserDirectory) {
+  const TempDir top;
+  umask(022);
+  Set("HOME", top.path.c_str());
+  EXPECT_EQ(calcHomeDir("ann"), top.path);
+  EXPECT_EQ(Mode(top.path + "/.gannorex"), 0755);
+}
+
+TEST(calcHomeDir, IsTheVariableAsItIs) {
+  Armed refused({.call = Call::kMkdir, .nth = kEachTime});  // or "/.gannorex" is made
+  for (const char* home : {"/no/such/", "//", ""}) {
+    Set("HOME", home);
+    EXPECT_EQ(calcHomeDir("ann"), home);
   }
-  fakeFile = nullptr;
-  const Failing absent("fopen", 1, ENOENT);
-  EXPECT_EQ(GXUtils::GetBogoMips(), -1);
+  Set("HOME", nullptr);
+  EXPECT_EQ(calcHomeDir("ann"), "");
+  (void)refused.Disarm();  // the directories may exist
+}
+
+TEST(calcHomeDir, AsksThePasswordDatabaseIfHomeIsTheRootDirectory) {
+  TempDir top;
+  passwd entry = {};
+  entry.pw_dir = top.path.data();
+  Set("HOME", "/");
+  const Armed known({.call = Call::kGetpwnam, .answer = &entry});
+  EXPECT_EQ(calcHomeDir("ann"), top.path);
+  EXPECT_EQ(lookedUp, "ann");
+  EXPECT_TRUE(Exists(top.path + "/.gannorex"));
+  const Armed unknown({.call = Call::kGetpwnam});
+  Armed refused({.call = Call::kMkdir});
+  EXPECT_EQ(calcHomeDir("nobody"), "/root");
+  (void)refused.Disarm();  // "/root/.gannorex" may exist
+}
+
+TEST(calcHomeDir, ConvertsTheNameToTheEncodingOfTheLocale) {
+  TempDir top;
+  passwd entry = {};
+  entry.pw_dir = top.path.data();
+  Set("HOME", "/");
+  const Armed known({.call = Call::kGetpwnam, .answer = &entry});
+  const Armed refused({.call = Call::kIconvOpen, .nth = kEachTime});
+  logged.clear();
+  EXPECT_EQ(calcHomeDir("aén"), top.path);
+  EXPECT_EQ(lookedUp, "an");
+  EXPECT_TRUE(logged.starts_with("2 iconv: Unable to convert from UTF-8 to \n")) << logged;
+}
+
+TEST(calcRunningUser, IsTheFirstVariableThatIsSet) {
+  Set("LOGNAME", "ann");
+  Set("USERNAME", "carl");
+  Set("USER", "bob");
+  EXPECT_EQ(calcRunningUser(), "ann");
+  Set("LOGNAME", nullptr);
+  EXPECT_EQ(calcRunningUser(), "carl");
+  Set("USERNAME", nullptr);
+  EXPECT_EQ(calcRunningUser(), "bob");
+  Set("LOGNAME", "");
+  EXPECT_EQ(calcRunningUser(), "");
+}
+
+TEST(calcRunningUser, AsksThePasswordDatabaseWithoutAVariable) {
+  for (const char* name : {"LOGNAME", "USERNAME", "USER"}) Set(name, nullptr);
+  char name[] = "ann";
+  passwd entry = {};
+  entry.pw_name = name;
+  (void)!seteuid(1001);  // the real user counts
+  {
+    const Armed known({.call = Call::kGetpwuid, .answer = &entry});
+    EXPECT_EQ(calcRunningUser(), "ann");
+  }
+  EXPECT_EQ(lookedUp, std::to_string(getuid()));
+  (void)!seteuid(getuid());
+  const Armed unknown({.call = Call::kGetpwuid});
+  EXPECT_EQ(calcRunningUser(), "");
+}
+
+TEST(calcRunningUser, ConvertsTheNameFromTheEncodingOfTheLocale) {
+  Set("LOGNAME", "aén");
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  EXPECT_EQ(calcRunningUser(), "aén");
+  std::setlocale(LC_CTYPE, "C");
+  const Armed refused({.call = Call::kIconvOpen, .nth = kEachTime});
+  logged.clear();
+  EXPECT_EQ(calcRunningUser(), "an");
+  EXPECT_TRUE(logged.starts_with("2 iconv: Unable to convert from  to UTF-8\n")) << logged;
+}
+
+TEST(AddPathPrefix, PutsThePrefixBeforeARelativePath) {
+  gxclient_prefix = "/opt/app";
+  EXPECT_EQ(AddPathPrefix("lib/x"), "/opt/app/lib/x");
+  EXPECT_EQ(AddPathPrefix("./x"), "/opt/app/./x");
+  EXPECT_EQ(AddPathPrefix(""), "/opt/app/");
+  EXPECT_EQ(AddPathPrefix("/etc/x"), "/etc/x");
+  gxclient_prefix = "/opt/app/";
+  EXPECT_EQ(AddPathPrefix("lib/x"), "/opt/app//lib/x");
+  gxclient_prefix = "";
+  EXPECT_EQ(AddPathPrefix("lib/x"), "/lib/x");
+}
+
+TEST(ShowInFileManager, ReturnsTheStatusOfThePlatform) {
+  EXPECT_EQ(ShowInFileManager("/no/such/file"), 1);
+}
+
+// Reads the text as the list of processors.
+int BogoMips(std::string list) {
+  const LeakCheck leaks;
+  std::FILE* file = fmemopen(list.data(), list.size(), "r");
+  const Armed opened({.call = Call::kFopen, .answer = file});
+  return GetBogoMips();
+}
+
+TEST(GetBogoMips, AddsUpTheProcessors) {
+  EXPECT_EQ(BogoMips("bogomips\t: 5986.12\nx\nbogomips : 05986.99\n"), 11972);
+  EXPECT_EQ(BogoMips("bogomips:1:7\nbogomips 2:-3"), -2);
+  EXPECT_EQ(BogoMips("bogomips: none"), 0);
+  EXPECT_EQ(BogoMips("bogomips: 99999999999999999999\nbogomips: 5"), INT_MAX);
+  EXPECT_EQ(BogoMips("bogomips: -9999999999\nbogomips: -1"), INT_MIN);
+}
+
+TEST(GetBogoMips, TakesAPieceOf255BytesForALine) {
+  EXPECT_EQ(BogoMips(std::string(255, 'x') + "bogomips:4\n"), 4);
+  EXPECT_EQ(BogoMips("bogomips" + std::string(247, ' ') + ":5\n"), -1);
+}
+
+TEST(GetBogoMips, IsMinusOneWithoutAProcessor) {
+  EXPECT_EQ(BogoMips("BogoMIPS: 1\n bogomips: 1\nbogomip: 1\nbogomips 1\n"), -1);
+  {
+    const Armed unreadable({.call = Call::kFopen, .answer = std::fopen("/", "r")});
+    EXPECT_EQ(GetBogoMips(), -1);
+  }
+  const Armed absent({.call = Call::kFopen});
+  EXPECT_EQ(GetBogoMips(), -1);
+}
+
+// Owns what parse_nfs_export_option() makes.
+struct Records : std::vector<Exportdata*> {
+  Records() = default;
+  Records& operator=(Records&&) = delete;  // neither copied nor moved
+  ~Records() {
+    for (const Exportdata* record : *this) delete record;
+  }
+};
+
+// The result, and the path and access of each record.
+using Exports = std::pair<int, std::vector<std::pair<std::string, int>>>;
+
+Exports Parse(const std::string& option) {
+  Records records;
+  records.push_back(nullptr);  // which goes
+  Exports exports;
+  exports.first = parse_nfs_export_option(option, records);
+  for (const Exportdata* record : records) {
+    exports.second.emplace_back(record->path, record->access);
+  }
+  return exports;
+}
+
+TEST(parse_nfs_export_option, MakesARecordForEachPair) {
+  EXPECT_EQ(Parse("/home/ann,rw,/usb,ro"), Exports(1, {{"/home/ann", 2}, {"/usb", 1}}));
+  EXPECT_EQ(Parse("/srv/x,disabled"), Exports(1, {{"/srv/x", 0}}));
+  EXPECT_EQ(Parse("/a\\,b\\\\c\\d,ro"), Exports(1, {{"/a,b\\c\\d", 1}}));
+  EXPECT_EQ(Parse("/a,ro,"), Exports(1, {{"/a", 1}, {"", 0}}));  // an empty path has no mode
+  EXPECT_EQ(Parse(""), Exports(1, {{"", 0}}));
+}
+
+TEST(parse_nfs_export_option, ReturnsZeroForAnInvalidPair) {
+  EXPECT_EQ(Parse("/srv/x,RO"), Exports(0, {{"/srv/x", 0}}));
+  EXPECT_EQ(Parse("/srv/x"), Exports(0, {{"/srv/x", 0}}));
+  EXPECT_EQ(Parse("/a,xx,/b,rw"), Exports(0, {{"/a", 0}, {"/b", 2}}));
+}
+
+TEST(Host, LeavesNothingBehind) {
+  const TempDir top;
+  const std::string name = "../" + top.path + "/" + std::string(100, 'x');
+  LeavesNothingBehind([&] { (void)unlink(GenerateTempFile(name, nullptr).c_str()); });
+  EXPECT_TRUE(std::filesystem::is_empty(top.path));
+  LeavesNothingBehind([] { GetBogoMips(); });
+  LeavesNothingBehind([] {
+    Records records;
+    parse_nfs_export_option("/" + std::string(100, 'x') + ",ro,/b,rw,/c", records);
+  });
 }
 
 }  // namespace
