@@ -1,34 +1,47 @@
-// Input: the command line. Its arguments are made an array.
+// Input: a command line. Its arguments become an array.
 
 #include "fuzz.h"
 #include "support/argvector.h"
 
-std::vector<World> Worlds() { return {{"", 8, {"a", " ", "\"", "\t"}}, {"", 2, EveryByte()}}; }
+namespace {
 
-// The grammar a step at a time: each erases what it consumes.
-void Check(std::string input) {
-  const Strings arguments = GXUtils::SplitCommandLine(input);
-  const bool hasNul = input.find('\0') != std::string::npos;  // which ends an argument of the array
-  Strings expected;
-  for (std::size_t end = 0; end != std::string::npos; input.erase(0, end + 1)) {
-    const bool quoted = !input.empty() && input.front() == '"';
-    const std::size_t quote = quoted ? input.find('"', 1) : std::string::npos;
-    end = input.find(' ');
-    if (quote != std::string::npos) {
-      expected.push_back(input.substr(1, quote - 1));
-      end = quote;
-    } else if (!quoted && end != 0 && !input.empty()) {
-      expected.push_back(input.substr(0, end));
+// The grammar, a field at a time.
+Strings Arguments(std::string line) {
+  Strings arguments;
+  while (!line.empty()) {
+    const std::size_t space = line.find(' ');
+    const std::size_t quote = line.find('"', 1);
+    if (line[0] == ' ') {
+      line.erase(0, 1);
+    } else if (line[0] == '"' && quote != std::string::npos) {
+      arguments.push_back(line.substr(1, quote - 1));
+      line.erase(0, quote + 1);
+    } else if (line[0] == '"') {  // unclosed: drops its field
+      line.erase(0, space);
+    } else {
+      arguments.push_back(line.substr(0, space));
+      line.erase(0, space);
     }
   }
-  assert(arguments == expected);
+  return arguments;
+}
 
+}  // namespace
+
+std::vector<World> Worlds() { return {{"", 8, {"a", " ", "\"", "\t"}}, {"", 2, EveryByte()}}; }
+
+void Check(const std::string& input) {
+  const Strings arguments = GXUtils::SplitCommandLine(input);
+  Expect("SplitCommandLine()", arguments, Arguments(input));
+
+  // The array holds each of them up to its first NUL byte.
   ArgVector builder;
+  Strings expected;
   for (const std::string& argument : arguments) {
-    (void)builder.getArgArray();  // is valid until the next argument is added
     builder.addArgument(argument);
+    expected.emplace_back(argument.c_str());
   }
   const char* const* array = builder.getArgArray();
-  assert(hasNul || Strings(array, array + arguments.size()) == arguments);
-  assert(array[arguments.size()] == nullptr);
+  Expect("getArgArray()", {array, array + arguments.size()}, expected);
+  Expect("a null pointer at the end", array[arguments.size()] == nullptr, true);
 }

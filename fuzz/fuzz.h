@@ -1,20 +1,19 @@
 /// @file
-/// What the fuzz targets share. A target compares with a second, plain way to the same result,
-/// written for reading, not for speed. The tests run its small worlds whole, under any compiler;
-/// libFuzzer goes on from their tokens.
+/// The code that the fuzz targets share. A target checks invariants of the module and compares
+/// results with a reference implementation. ctest runs it over every short text. libFuzzer goes on
+/// from the same tokens.
 #pragma once
 
 #include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
-#include <utility>
+#include <type_traits>
 #include <vector>
 
 #include "gxclient_util.h"
 #include "harness/log.h"
-
-// The laws are assertions, in every build type.
-#undef NDEBUG
-#include <cassert>
 
 using Strings = std::vector<std::string>;
 
@@ -25,9 +24,9 @@ struct World {
   Strings tokens;
 };
 
-/// The target: the texts that its test runs, and its laws for one input.
+/// A target has these two: the texts that its test runs, and the checks of one input.
 std::vector<World> Worlds();
-void Check(std::string input);
+void Check(const std::string& input);
 
 inline Strings EveryByte() {
   Strings bytes;
@@ -35,13 +34,56 @@ inline Strings EveryByte() {
   return bytes;
 }
 
-inline Strings Split(const std::string& text, char separator) {
-  Strings fields(1);
+/// A value as a failure prints it. A text is also an entry of libFuzzer's dictionary.
+inline std::string Shown(const std::string& text) {
+  std::string shown = "\"";
   for (const char byte : text) {
-    if (byte == separator) fields.emplace_back();
-    if (byte != separator) fields.back() += byte;
+    char code[5];
+    (void)std::snprintf(code, sizeof code, "\\x%02hhx", static_cast<unsigned char>(byte));
+    shown += std::isalnum(static_cast<unsigned char>(byte)) != 0 ? std::string(1, byte) : code;
   }
+  return shown + "\"";
+}
+inline std::string Shown(int number) { return std::to_string(number); }
+inline std::string Shown(bool value) { return value ? "true" : "false"; }
+inline std::string Shown(const Strings& texts) {
+  std::string shown;
+  for (const std::string& text : texts) shown += Shown(text) + " ";
+  return shown;
+}
+
+/// Aborts with both values printed unless they are equal.
+template <class Value>
+void Expect(const char* fact, const std::type_identity_t<Value>& result, const Value& expected) {
+  if (result == expected) return;
+  (void)std::fprintf(stderr, "%s\nresult:   %s\nexpected: %s\n", fact, Shown(result).c_str(),
+                     Shown(expected).c_str());
+  std::abort();
+}
+
+// The reference implementations: the standard library's find() over copies.
+
+inline Strings Split(std::string text, char separator) {
+  Strings fields;
+  for (std::size_t end; (end = text.find(separator)) != std::string::npos; text.erase(0, end + 1)) {
+    fields.push_back(text.substr(0, end));
+  }
+  fields.push_back(text);
   return fields;
+}
+
+inline std::string Joined(const Strings& fields, const std::string& joiner) {
+  std::string text = fields[0];
+  for (std::size_t i = 1; i < fields.size(); ++i) text += joiner + fields[i];
+  return text;
+}
+
+inline std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  if (from.empty()) return text;
+  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
 }
 
 inline std::string Trimmed(std::string text, const std::string& set) {

@@ -1,73 +1,48 @@
-// Input: pattern|replacement|text. StringLines() gets the first field as what is pending and the
-// others as chunks; the first two fields are compared.
-
-#include <cctype>
+// Input: fields between bars. The first three are a pattern, a replacement and a text. The first
+// two are also compared, and the whole input is a stream of lines.
 
 #include "fuzz.h"
 
+using namespace GXUtils;
+
 namespace {
 
-std::string Replaced(std::string text, const char* pattern, const char* replacement) {
-  const std::string from = pattern;
-  const std::string to = replacement;
-  if (from.empty()) return text;
-  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
-    text.replace(at, from.size(), to);
+// Lines and tail are the same wherever the stream is cut, also if its start is put into the tail.
+void CheckLines(const std::string& stream) {
+  const Strings expected = Split(Replaced(stream, "\r\n", "\n"), '\n');
+  for (std::size_t cut = 0; cut <= stream.size(); ++cut) {
+    const std::string start = stream.substr(0, cut);
+    std::string tail;
+    Strings lines = StringLines(start.c_str(), &tail);
+    for (std::string& line : StringLines(&stream[cut], &tail)) lines.push_back(line);
+    lines.push_back(tail);
+    Expect("lines of a cut stream", lines, expected);
+
+    tail = start;
+    lines = StringLines(&stream[cut], &tail);
+    lines.push_back(tail);
+    Expect("lines with a filled tail", lines, expected);
   }
-  return text;
 }
 
-// Joined, replaced and cut, a chunk at a time.
-void CheckLines(const Strings& fields) {
-  std::string pending = fields[0];
-  std::string buffer = fields[0];
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    const char* chunk = i == 0 ? "" : fields[i].c_str();
-    Strings lines = Split(Replaced(buffer + chunk, "\r\n", "\n"), '\n');
-    buffer = lines.back();
-    lines.pop_back();
-    assert(GXUtils::StringLines(chunk, &pending) == lines && pending == buffer);
-  }
-  // A chunk that stands in the tail itself.
-  Strings lines = Split(Replaced(buffer + &buffer[buffer.size() / 2], "\r\n", "\n"), '\n');
-  assert(GXUtils::StringLines(&pending[pending.size() / 2], &pending).size() == lines.size() - 1);
-  assert(pending == lines.back());
-}
+int Sign(int order) { return (order > 0) - (order < 0); }
 
-void CheckReplace(std::string text, const char* pattern, const char* replacement) {
-  const std::string expected = Replaced(text, pattern, replacement);
-  assert(GXUtils::ReplaceInString(text, pattern, replacement) == expected && text == expected);
-}
-
-template <class T>
-int Order(const T& first, const T& second) {
-  return (second < first) - (first < second);
-}
-
-// What the longer version has more counts, but for "0" at its end.
-int OrderVersions(Strings first, Strings second) {
-  while (first.size() > second.size() && first.back() == "0") first.pop_back();
-  while (second.size() > first.size() && second.back() == "0") second.pop_back();
-  return Order(first, second);
-}
-
-// The number of digits that count, and the digits.
-std::pair<std::size_t, std::string> Number(std::string text) {
-  if (text.rfind("0x", 0) == 0) text.erase(0, 2);
-  text.erase(0, text.find_first_not_of('0'));
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return {text.size(), text};
-}
-
+// Swapped arguments swap the sign.
 void CheckOrder(const char* first, const char* second) {
-  const int versions = OrderVersions(Split(first, '.'), Split(second, '.'));
-  assert(Order(GXUtils::CompareVersions(first, second), 0) == versions);
-  assert(GXUtils::CompareHexStrings(first, second) == Order(Number(first), Number(second)));
+  const int versions = Sign(CompareVersions(first, second));
+  Expect("CompareVersions(), swapped", Sign(CompareVersions(second, first)), -versions);
+  const int numbers = CompareHexStrings(first, second);
+  Expect("CompareHexStrings(), swapped", CompareHexStrings(second, first), -numbers);
+
+  const std::string both = std::string(first) + second;
+  if (both.size() > 16 || both.find_first_not_of("01aA") != std::string::npos) return;
+  const auto number = [](const char* text) { return std::strtoull(text, nullptr, 16); };
+  const bool lower = number(first) < number(second);
+  Expect("CompareHexStrings()", numbers < 0, lower);
 }
 
 }  // namespace
 
-// Patterns above 16 bytes are searched in another way.
 std::vector<World> Worlds() {
   return {{"", 5, {"0x", "0X", "0", "1", ".", ".0", "a", "A", "\x11", "\xFF", "|"}},
           {"", 7, {"a", "\xFF", "|", "aaaaaaaaaaaaaaaa\xFF"}},
@@ -75,16 +50,18 @@ std::vector<World> Worlds() {
           {"a", 1, EveryByte()}};
 }
 
-void Check(std::string input) {
-  assert(GXUtils::SplitString(input, input[0]) == Split(input, input[0]));
-  const std::size_t half = input.size() / 2;
-  for (const std::string& set : {input.substr(half), input.substr(0, half)}) {
-    assert(GXUtils::Strip(input, set) == Trimmed(input, set));
-  }
+void Check(const std::string& input) {
+  Expect("SplitString()", SplitString(input, input[0]), Split(input, input[0]));
   Strings fields = Split(input, '|');
-  CheckLines(fields);
+  Expect("Strip()", Strip(input, fields[0]), Trimmed(input, fields[0]));
+  if (input.find('\n') != std::string::npos) CheckLines(input.c_str());
+
   fields.resize(std::max<std::size_t>(fields.size(), 3));
-  CheckReplace(fields[2], fields[0].c_str(), fields[1].c_str());
-  CheckOrder(fields[0].c_str(), fields[1].c_str());
-  CheckOrder(fields[1].c_str(), fields[0].c_str());
+  const char* first = fields[0].c_str();
+  const char* second = fields[1].c_str();
+  std::string text = fields[2];
+  const std::string expected = Replaced(text, first, second);
+  Expect("ReplaceInString()", ReplaceInString(text, first, second), expected);
+  Expect("the replaced text", text, expected);
+  CheckOrder(first, second);
 }

@@ -1,7 +1,6 @@
-// Runs a target over its worlds; with an argument, prints their tokens as a dictionary of libFuzzer.
+// Runs a target over its worlds. With an argument, prints their tokens for libFuzzer instead.
 
 #include <csignal>
-#include <cstdio>
 
 #include <unistd.h>
 
@@ -11,27 +10,22 @@ namespace {
 
 std::string input;
 
-void Show(int fd, const std::string& text) {
-  (void)dprintf(fd, "\"");
-  for (const char byte : text) (void)dprintf(fd, "\\x%02hhx", byte);
-  (void)dprintf(fd, "\"\n");
-}
+void PrintInput(int) { (void)dprintf(STDERR_FILENO, "input:    %s\n", Shown(input).c_str()); }
 
 void CheckAll(const World& world, std::size_t left, const std::string& text) {
   Check(input = text);
-  for (const std::string& token : world.tokens) {
-    if (left > 0) CheckAll(world, left - 1, text + token);
-  }
+  if (left == 0) return;
+  for (const std::string& token : world.tokens) CheckAll(world, left - 1, text + token);
 }
 
 }  // namespace
 
 int main(int count, char**) {
-  (void)std::signal(SIGABRT, [](int) { Show(STDERR_FILENO, input); });
+  (void)std::signal(SIGABRT, PrintInput);
   for (const World& world : Worlds()) {
     if (count == 1) CheckAll(world, world.count, world.start);
     for (const std::string& token : world.tokens) {
-      if (count > 1) Show(STDOUT_FILENO, token);
+      if (count > 1) std::puts(Shown(token).c_str());
     }
   }
 }
