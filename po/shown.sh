@@ -11,6 +11,6 @@ else
 fi
 said=$(LANGUAGE=de "$1" system '' 2>&1)
 echo "$LC_ALL: $said"
-[ "$said" != 'gxutil: Leerer Befehl' ] || exit 0
+[ "$said" != 'gxutil: system: Leerer Befehl' ] || exit 0
 [ "$LC_ALL" = C.UTF-8 ] && echo 'skipped: a locale needs the character maps of the package locales' && exit 77
 exit 1

@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
-# Follows a section of a transcript of gxutil: runs its commands, each in an empty directory below
-# /tmp, and compares what they print. In a transcript "$ " begins a command and "> " goes on with it;
-# the other lines are what it prints on both streams; a single line may stand behind it, after " => ".
-# (no-eol) stands behind an output that does not end with a line feed, an exit status other than 0
-# below it in brackets. "# NAME: " begins a section; in the manual page the examples are one.
+# Runs the commands of a section, each in an empty directory below /tmp, and compares the output of
+# both streams and the exit status. In a transcript "$ " begins a command and "> " continues it. The
+# output follows; a single line may follow " => " instead. (no-eol) stands for a missing newline at
+# the end, [N] for the exit status N. "# NAME: " begins a section. The section EXAMPLES is that of
+# the manual page.
 # usage: session.sh TRANSCRIPT SECTION DIRECTORY_OF_GXUTIL
 set -euo pipefail
-exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-  # what the caller left open
+exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-  # left open by the caller
 export LC_ALL=C.UTF-8 PATH=$3:$PATH gxutil=$3/gxutil
+manual=$(cd "${0%/*}/../tools" && pwd)/gxutil.1
+export manual
 unset LANGUAGE
 work=$(mktemp -d /tmp/gxutil.XXXXXX)
 trap 'rm -rf "$work"' EXIT

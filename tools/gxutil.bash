@@ -2,10 +2,9 @@
 _gxutil() {
   local words=
   if [ "$COMP_CWORD" = 1 ] || [ "$COMP_CWORD ${COMP_WORDS[1]}" = '2 help' ]; then
-    words=$("$1" --help 2>/dev/null | sed -n '/^Commands:$/,/^$/s/^  \([a-z][^ ]*\).*/\1/p')
-    words="$words help version --help --version"
+    words="$("$1" help 2>/dev/null | sed -n 's/^  \([a-z][a-z0-9-]*\)  .*/\1/p') help version"
   elif [[ $2 == -* ]]; then
-    words=$("$1" "${COMP_WORDS[1]}" --help 2>/dev/null | grep -o -e '--[a-z][a-z-]*')
+    words=$("$1" help "${COMP_WORDS[1]}" 2>/dev/null | grep -o -e '--[a-z][a-z-]*')
   fi
   # shellcheck disable=SC2207  # words without blanks; bash of macOS has no mapfile
   COMPREPLY=($(compgen -W "$words" -- "$2"))

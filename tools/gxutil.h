@@ -1,98 +1,136 @@
 /// @file
-/// What the commands of gxutil share. A command is one Add() call:
+/// What the commands of gxutil share. A command is a function that declares its operands and
+/// options, parses the command line and returns the exit status:
 ///
-///     Add(app, "name", "What it does", [](CLI::App& command) {
-///       const auto text = Operand(command, "TEXT", "What it is");
-///       return [=] { return PrintLine(GXUtils::Name(text())); };
-///     });
+///     int Strip(CommandLine& line) {
+///       const std::string& text = line.Operand("TEXT", "The text");
+///       const std::string& set = line.Operand("SET", "The bytes to remove");
+///       line.Parse();
+///       return PrintBytes(GXUtils::Strip(text, set));
+///     }
 #pragma once
 
-#include <functional>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace gxutil {
 
-constexpr int kFailure = 1;  // the exit status of an operation that failed
+constexpr int kFailure = 1;     // the exit status of an operation that failed
+constexpr int kUsageError = 2;  // the exit status for a command line that cannot be parsed
 
-/// Runs a command whose operands have been read; the result is the exit status.
-using Body = std::function<int()>;
+class CommandLine;
 
-/// Adds a command: `define` declares its options and operands and returns its body.
-void Add(CLI::App& app, const std::string& name, const std::string& summary,
-         const std::function<Body(CLI::App&)>& define);
-
-/// What an option or operand was given as; to be called once the command line has been read.
-using Text = std::function<std::string()>;
-using Switch = std::function<bool()>;
-
-/// Declares an operand that has to be given.
-Text Operand(CLI::App& command, const std::string& name, const std::string& help);
-
-/// Declares an operand that is the whole standard input where it is not given.
-Text Input(CLI::App& command, const std::string& name, const std::string& help);
-
-/// Declares "-s, --separator": one byte, or "\0" for NUL; the comma by default.
-std::function<char()> SeparatorOption(CLI::App& command);
-
-/// Declares "-0, --null" of the commands that print a list.
-Switch NullOption(CLI::App& command);
-
-/// The operands of a command that takes any number of them. They are handed on byte for byte, and
-/// options stand before the first one; after "--" an operand may begin with a dash.
-class OperandList {
- public:
-  /// Makes `command` take the operands `name`, shown with `help` in its help text.
-  OperandList(CLI::App& command, const std::string& name, const std::string& help);
-
-  std::vector<std::string> Get() const;
-
-  /// Whether the operands follow a "--".
-  bool AfterDashes() const;
-
- private:
-  CLI::App* command_;
+struct Command {
+  const char* name;
+  const char* function;  ///< the function that it calls: another name of the command
+  const char* summary;
+  const char* example;
+  int (*run)(CommandLine& line);
 };
 
-/// Results go to the standard output: bytes as they are, lines with a line feed (or NUL) each. All
-/// return the exit status 0.
+struct Group {
+  const char* title;
+  std::vector<Command> commands;
+};
+
+Group DiagnoseGroup();
+Group ProgramGroup();
+Group TextGroup();
+Group EncodingGroup();
+Group HostGroup();
+
+int Doctor(CommandLine& line);
+
+/// A command line that cannot be parsed. what() is the reason.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// Thrown by Parse() for -h.
+struct HelpRequest {};
+
+/// The command line of one command. Each member function up to Parse() declares something and
+/// returns a reference to its value, which Parse() sets.
+class CommandLine {
+ public:
+  CommandLine(const Command& command, std::vector<std::string> arguments);
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+  ~CommandLine();
+
+  const std::string& Operand(const char* name, const char* help);
+  const std::optional<std::string>& OptionalOperand(const char* name, const char* help);
+
+  /// The last operand: data, which may also come from a file (-f) or the standard input. The
+  /// command may move the value away.
+  std::string& Input(const char* name, const char* help);
+
+  /// Any number of operands, byte for byte. Options precede the first one.
+  const std::vector<std::string>& Operands(const char* name, const char* help);
+
+  const bool& Flag(const char* names, const char* help);
+  const bool& NullFlag();
+  const std::optional<std::string>& Option(const char* names, const char* value, const char* help);
+
+  /// Text for the end of the help.
+  void Notes(const char* text);
+
+  /// @throws UsageError, HelpRequest, or a std::runtime_error if the input cannot be read.
+  void Parse();
+
+  std::string Help() const;
+
+ private:
+  const Command& command_;
+  std::vector<std::string> arguments_;
+  std::unique_ptr<CLI::App> app_;
+  std::deque<std::string> texts_;
+  std::deque<std::optional<std::string>> options_;
+  std::deque<bool> flags_;
+  std::vector<std::string> operands_;
+  std::string* input_ = nullptr;
+  const std::optional<std::string>* inputOperand_ = nullptr;
+  const std::optional<std::string>* inputFile_ = nullptr;
+  std::string operandNames_;
+  std::string helpLines_;
+  std::string notes_;
+};
+
+/// @throws UsageError if `text` is not a number or out of range.
+long ReadNumber(const std::string& text);
+
+/// Print to the standard output: bytes as they are, each line with a newline or NUL byte. All
+/// return 0. A write error shows in OutputFailed() and makes gxutil exit with kFailure.
 int PrintBytes(const std::string& bytes);
 int PrintLine(const std::string& line);
 int PrintLines(const std::vector<std::string>& lines, bool endWithNul);
+void Flush();
+bool OutputFailed();
 
-/// Prints "true" or "false"; the exit status is 0 or kFailure.
+/// Prints "true" or "false" and returns 0 or kFailure.
 int PrintBool(bool value);
 
-/// Writes "gxutil: ", the message on one line and a line feed to the standard error stream, after
-/// the results so far; returns kFailure.
-int Fail(std::string message);
+/// Prints "gxutil: COMMAND: MESSAGE" as one line to the standard error, after the results so far.
+void PrintMessage(const std::string& message);
 
-/// Whether a call of the module has logged something, which was then shown as by Fail(). The
-/// command exits with kFailure, unless it fails with another status.
-bool HasLogged();
+/// Prints a message and makes gxutil exit with kFailure, unless the command returns another
+/// status. Returns kFailure.
+int Fail(const std::string& reason);
+int Fail(const std::string& object, const std::string& reason);
 
-/// Keeps to itself what is logged while it lives, but for what a later one keeps meanwhile.
-class KeptLog {
- public:
-  KeptLog();
-  KeptLog(const KeptLog&) = delete;
-  KeptLog& operator=(const KeptLog&) = delete;
-  ~KeptLog();
+/// Log lines of the module are failures, printed as by Fail(). After QuietLog(), they only count.
+void QuietLog();
+int LoggedLines();
 
-  void Keep(std::string message);
-  bool Has(const std::string& message) const;
-
- private:
-  KeptLog* outer_;
-  std::vector<std::string> lines_;
-};
-
-void AddProcessCommands(CLI::App& app);
-void AddTextCommands(CLI::App& app);
-void AddEncodingCommands(CLI::App& app);
-void AddHostCommands(CLI::App& app);
-void AddDoctorCommand(CLI::App& app);
+/// The reason why CheckFileExecutable() refuses `path`.
+std::string NotExecutable(const std::string& path);
 
 }  // namespace gxutil

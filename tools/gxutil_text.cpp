@@ -1,9 +1,9 @@
 // Splitting, joining, trimming and comparing text.
 
-#include <charconv>
-#include <cstdio>
+#include <cerrno>
 #include <cstring>
-#include <system_error>
+#include <list>
+#include <utility>
 
 #include <unistd.h>
 
@@ -13,111 +13,128 @@
 namespace gxutil {
 namespace {
 
-// The sign alone is what a comparison means.
+const std::optional<std::string>& SeparatorOption(CommandLine& line) {
+  return line.Option("-s, --separator", "BYTE", "The separator, \\0 for NUL (default: comma)");
+}
+
+char SeparatorByte(const std::optional<std::string>& option) {
+  const std::string text = option.value_or(",");
+  if (text == "\\0") return '\0';
+  if (text.size() != 1) throw UsageError("separator '" + text + "': not one byte");
+  return text[0];
+}
+
+// The sign alone is the result of a comparison.
 int PrintSign(int order) { return PrintLine(std::to_string((order > 0) - (order < 0))); }
 
-int PrintInputLines(bool endWithNul) {
-  std::string pending;
+int SplitString(CommandLine& line) {
+  std::string& text = line.Input("TEXT", "The text itself");
+  const auto& separator = SeparatorOption(line);
+  const bool& nul = line.NullFlag();
+  line.Parse();
+  return PrintLines(GXUtils::SplitString(std::move(text), SeparatorByte(separator)), nul);
+}
+
+int Strip(CommandLine& line) {
+  const std::string& text = line.Operand("TEXT", "The text");
+  const std::string& set = line.Operand("SET", "The bytes to remove");
+  line.Parse();
+  return PrintBytes(GXUtils::Strip(text, set));
+}
+
+int ReplaceInString(CommandLine& line) {
+  const std::string& operand = line.Operand("TEXT", "The text");
+  const std::string& pattern = line.Operand("PATTERN", "The text to look for");
+  const std::string& replacement = line.Operand("REPLACEMENT", "The text to put in its place");
+  line.Parse();
+  std::string text = operand;
+  return PrintBytes(GXUtils::ReplaceInString(text, pattern.c_str(), replacement.c_str()));
+}
+
+int StringLines(CommandLine& line) {
+  const bool& nul = line.NullFlag();
+  line.Notes(
+      "Reads the standard input piece by piece. A last line without a newline is\n"
+      "printed as it is.");
+  line.Parse();
+  std::string tail;
   char chunk[65536];  // a long line takes as many searches as it has chunks
-  for (;;) {
+  while (!OutputFailed()) {
     const ssize_t count = read(STDIN_FILENO, chunk, sizeof chunk - 1);
-    if (count < 0) return Fail("the standard input cannot be read");
+    if (count < 0) return Fail("standard input", std::strerror(errno));
     if (count == 0) break;
     if (std::memchr(chunk, '\0', static_cast<std::size_t>(count)) != nullptr) {
-      return Fail("the standard input has a NUL byte, which a line cannot hold");
+      return Fail("standard input", "NUL byte, which a line cannot hold");
     }
     chunk[count] = '\0';
-    (void)PrintLines(GXUtils::StringLines(chunk, &pending), endWithNul);
-    if (std::ferror(stdout) != 0) return kFailure;  // which main() reports
+    (void)PrintLines(GXUtils::StringLines(chunk, &tail), nul);
   }
-  return PrintBytes(pending);  // a last line without a line end
+  return PrintBytes(tail);
 }
 
-std::errc ReadNumber(const std::string& text, long* number) {
-  const char* end = text.data() + text.size();
-  const auto [next, error] = std::from_chars(text.data(), end, *number);
-  return error == std::errc() && next != end ? std::errc::invalid_argument : error;
+int LongToString(CommandLine& line) {
+  const std::string& number = line.Operand("NUMBER", "The number");
+  line.Parse();
+  return PrintLine(GXUtils::LongToString(ReadNumber(number)));
 }
 
-std::string NumberTrouble(const std::string& text) {
-  long number = 0;
-  const std::errc error = ReadNumber(text, &number);
-  if (error == std::errc()) return {};
-  if (error == std::errc::result_out_of_range) return text + " is beyond the range of a long";
-  return "'" + text + "' is no number in decimal";
+int EncodeStringList(CommandLine& line) {
+  const auto& elements = line.Operands("[ELEMENT]...", "The elements of the list");
+  const auto& separator = SeparatorOption(line);
+  line.Parse();
+  return PrintBytes(
+      GXUtils::EncodeStringList({elements.begin(), elements.end()}, SeparatorByte(separator)));
 }
 
-void AddListCommands(CLI::App& app) {
-  Add(app, "split-string", "Cut a text at every separator", [](CLI::App& command) {
-    const auto text = Input(command, "TEXT", "The text");
-    const auto separator = SeparatorOption(command);
-    const auto nul = NullOption(command);
-    return [=] { return PrintLines(GXUtils::SplitString(text(), separator()), nul()); };
-  });
-  Add(app, "string-lines", "Assemble the lines of the standard input", [](CLI::App& command) {
-    const auto nul = NullOption(command);
-    command.footer("What stands after the last line end is printed as it is.");
-    return [=] { return PrintInputLines(nul()); };
-  });
-  Add(app, "encode-string-list", "Store a list in one text", [](CLI::App& command) {
-    const auto separator = SeparatorOption(command);
-    const OperandList elements(command, "ELEMENT...", "The elements of the list");
-    return [=] {
-      const std::vector<std::string> list = elements.Get();
-      return PrintBytes(GXUtils::EncodeStringList({list.begin(), list.end()}, separator()));
-    };
-  });
-  Add(app, "decode-string-list", "Read back what encode-string-list wrote", [](CLI::App& command) {
-    const auto text = Input(command, "TEXT", "The text");
-    const auto separator = SeparatorOption(command);
-    const auto nul = NullOption(command);
-    return [=] {
-      std::list<std::string> list;
-      const bool decoded = GXUtils::DecodeStringList(text(), &list, separator());
-      (void)PrintLines({list.begin(), list.end()}, nul());
-      return decoded ? 0 : kFailure;
-    };
-  });
+int DecodeStringList(CommandLine& line) {
+  const std::string& text = line.Input("TEXT", "The text itself");
+  const auto& separator = SeparatorOption(line);
+  const bool& nul = line.NullFlag();
+  line.Parse();
+  std::list<std::string> list;
+  (void)GXUtils::DecodeStringList(text, &list, SeparatorByte(separator));
+  return PrintLines({list.begin(), list.end()}, nul);
+}
+
+int CompareVersions(CommandLine& line) {
+  const std::string& first = line.Operand("FIRST", "A dotted version");
+  const std::string& second = line.Operand("SECOND", "Another one");
+  line.Parse();
+  return PrintSign(GXUtils::CompareVersions(first.c_str(), second.c_str()));
+}
+
+int CompareHexStrings(CommandLine& line) {
+  const std::string& first = line.Operand("FIRST", "A hexadecimal number");
+  const std::string& second = line.Operand("SECOND", "Another one");
+  line.Parse();
+  return PrintSign(GXUtils::CompareHexStrings(first.c_str(), second.c_str()));
 }
 
 }  // namespace
 
-void AddTextCommands(CLI::App& app) {
-  AddListCommands(app);
-  Add(app, "strip", "Remove bytes from the two ends of a text", [](CLI::App& command) {
-    const auto text = Operand(command, "TEXT", "The text");
-    const auto set = Operand(command, "SET", "The bytes to remove");
-    return [=] { return PrintBytes(GXUtils::Strip(text(), set())); };
-  });
-  Add(app, "replace-in-string", "Replace a pattern in a text", [](CLI::App& command) {
-    const auto text = Operand(command, "TEXT", "The text");
-    const auto pattern = Operand(command, "PATTERN", "What to look for");
-    const auto replacement = Operand(command, "REPLACEMENT", "What to put there");
-    return [=] {
-      std::string rewritten = text();
-      return PrintBytes(
-          GXUtils::ReplaceInString(rewritten, pattern().c_str(), replacement().c_str()));
-    };
-  });
-  Add(app, "long-to-string", "Write a number in decimal", [](CLI::App& command) {
-    const auto text = Operand(command, "NUMBER", "The number");
-    command.get_option("NUMBER")->check(NumberTrouble);
-    return [=] {
-      long number = 0;
-      (void)ReadNumber(text(), &number);
-      return PrintLine(GXUtils::LongToString(number));
-    };
-  });
-  Add(app, "compare-versions", "Print -1, 0 or 1 for two versions", [](CLI::App& command) {
-    const auto first = Operand(command, "FIRST", "A dotted version");
-    const auto second = Operand(command, "SECOND", "Another one");
-    return [=] { return PrintSign(GXUtils::CompareVersions(first().c_str(), second().c_str())); };
-  });
-  Add(app, "compare-hex-strings", "Print -1, 0 or 1 for two hex numbers", [](CLI::App& command) {
-    const auto first = Operand(command, "FIRST", "A hexadecimal number");
-    const auto second = Operand(command, "SECOND", "Another one");
-    return [=] { return PrintSign(GXUtils::CompareHexStrings(first().c_str(), second().c_str())); };
-  });
+Group TextGroup() {
+  return {"Text",
+          {
+              {"split-string", "SplitString", "Split a text at every separator",
+               "gxutil split-string -s : /bin::/sbin", SplitString},
+              {"strip", "Strip", "Remove bytes from both ends of a text",
+               "gxutil strip '..a.b..' .", Strip},
+              {"replace-in-string", "ReplaceInString", "Replace a pattern in a text",
+               "gxutil replace-in-string aXbX X -", ReplaceInString},
+              {"string-lines", "StringLines", "Assemble lines from the standard input",
+               "printf 'one\\r\\ntwo' | gxutil string-lines", StringLines},
+              {"long-to-string", "LongToString", "Write a number in decimal",
+               "gxutil long-to-string -- -42", LongToString},
+              {"encode-string-list", "EncodeStringList", "Store a list in one text",
+               "gxutil encode-string-list 'a,b' c", EncodeStringList},
+              {"decode-string-list", "DecodeStringList", "Read a stored list",
+               "gxutil decode-string-list 'a\\,b, c'", DecodeStringList},
+              {"compare-versions", "CompareVersions", "Print -1, 0 or 1 for two versions",
+               "gxutil compare-versions 1.10 1.9", CompareVersions},
+              {"compare-hex-strings", "CompareHexStrings",
+               "Print -1, 0 or 1 for two hexadecimal numbers",
+               "gxutil compare-hex-strings 0x00ff FE", CompareHexStrings},
+          }};
 }
 
 }  // namespace gxutil
