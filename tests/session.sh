@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Runs the commands of a section, each in an empty directory below /tmp, and compares the output of
 # both streams and the exit status. In a transcript "$ " begins a command and "> " continues it. The
-# output follows; a single line may follow " => " instead. (no-eol) stands for a missing newline at
-# the end, [N] for the exit status N. "# NAME: " begins a section. The section EXAMPLES is that of
+# output follows; a single line may follow " => " instead. (no-eol) marks a missing newline at the
+# end, [N] the exit status N. "# NAME: " begins a section. The section EXAMPLES is that of
 # the manual page.
 # usage: session.sh TRANSCRIPT SECTION DIRECTORY_OF_GXUTIL
 set -euo pipefail

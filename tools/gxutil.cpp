@@ -115,8 +115,8 @@ int Run(std::vector<std::string> arguments) {
   return RunWord(word, arguments);
 }
 
-// Shows the module's messages in the user's language. The catalogues are where the installation
-// puts them, seen from the program's own directory; the build directory is laid out the same way.
+// Shows the module's messages in the user's language. The path of the catalogues is relative to the
+// program's directory, in the build directory as well.
 void UseCatalogues() {
   std::error_code error;
   std::filesystem::path directory =

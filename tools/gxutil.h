@@ -1,5 +1,5 @@
 /// @file
-/// What the commands of gxutil share. A command is a function that declares its operands and
+/// Shared by the commands of gxutil. A command is a function that declares its operands and
 /// options, parses the command line and returns the exit status:
 ///
 ///     int Strip(CommandLine& line) {
@@ -126,7 +126,7 @@ void PrintMessage(const std::string& message);
 int Fail(const std::string& reason);
 int Fail(const std::string& object, const std::string& reason);
 
-/// Log lines of the module are failures, printed as by Fail(). After QuietLog(), they only count.
+/// Log lines of the module are failures, which Fail() prints. After QuietLog(), they only count.
 void QuietLog();
 int LoggedLines();
 

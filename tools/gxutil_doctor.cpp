@@ -138,7 +138,7 @@ Finding TemporaryFiles() {
 Finding WorkingDirectory() {
   const std::unique_ptr<char, void (*)(void*)> path(getcwd(nullptr, 0), std::free);
   if (path != nullptr) return {path.get()};
-  return {std::string("none: ") + std::strerror(errno), "Start the client in another one."};
+  return {"deleted, or not accessible", "Start the client in a directory that exists."};
 }
 
 Finding SearchPath() {
@@ -154,7 +154,7 @@ Finding FileDescriptors() {
   constexpr rlim_t kNeeded = 6;  // the pipes of SystemNowait()
   rlimit limit{};
   (void)getrlimit(RLIMIT_NOFILE, &limit);
-  rlim_t used = 0;  // with 0 to 2, where no pipe stays
+  rlim_t used = 0;  // 0 to 2 count: the pipes are above them
   for (rlim_t fd = 0; fd < std::min<rlim_t>(limit.rlim_cur, 65536); ++fd) {
     if (fd <= STDERR_FILENO || fcntl(static_cast<int>(fd), F_GETFD) >= 0) ++used;
   }
@@ -239,7 +239,7 @@ Finding FileManager() {
   const bool opens = hasDisplay && !opener.empty() && problem != kNoAnswer;
   const std::string missing = "not found (install the Debian package xdg-utils)";
   return {problem + "; xdg-open " + (opener.empty() ? missing : opener),
-          opens ? "" : "Install what is missing. Then log out of the desktop and in again."};
+          opens ? "" : "Install the missing program. Then log out of the desktop and in again."};
 }
 
 constexpr std::pair<const char*, Finding (*)()> kChecks[] = {
@@ -271,7 +271,7 @@ std::string Printable(std::string text) {
 int Doctor(CommandLine& line) {
   constexpr std::size_t kColumn = 19;
   line.Notes(
-      "The mark ! stands for a problem; the next line has the remedy. If the report does\n"
+      "The mark ! shows a problem; the next line has the remedy. If the report does\n"
       "not end, its last line names the check that hangs.");
   line.Parse();
   QuietLog();

@@ -27,7 +27,7 @@ int CheckCreateDir(CommandLine& line) {
 }
 
 int GenerateTempFile(CommandLine& line) {
-  const std::string& name = line.Operand("NAME", "The beginning of the file's name");
+  const std::string& name = line.Operand("NAME", "The beginning of its name");
   line.Parse();
   const std::string path = GXUtils::GenerateTempFile(name, nullptr);
   return path.empty() ? Fail("/tmp/" + name, std::strerror(errno)) : PrintLine(path);

@@ -150,7 +150,7 @@ Group ProgramGroup() {
       {
           {"system", "System", "Run a program, print its output, exit as it exited",
            "gxutil system ls -d /bin", System},
-          {"system-nowait", "SystemNowait", "Start a program in a session of its own",
+          {"system-nowait", "SystemNowait", "Start a program in a new session",
            "gxutil system-nowait sleep 5", SystemNowait},
           {"split-command-line", "SplitCommandLine", "Split a command line into arguments",
            "gxutil split-command-line 'ls -l \"my file\"'", SplitCommandLine},
