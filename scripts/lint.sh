@@ -24,4 +24,4 @@ for check in passedByValue useStlAlgorithm getpwnamCalled getpwuidCalled readdir
 done
 find bench common docs fuzz tests tools -name '*.cpp' -print0 |
   xargs -0 cppcheck -j "$(getconf _NPROCESSORS_ONLN)" "${options[@]}"
-shellcheck .ci/run scripts/*.sh po/*.sh tests/*.sh tools/*.sh cmake/debian/*.sh tools/gxutil.bash
+shellcheck .ci/run scripts/*.sh po/*.sh tests/*.sh cmake/debian/*.sh tools/gxutil.bash
