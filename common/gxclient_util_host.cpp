@@ -15,7 +15,6 @@
 #include <unistd.h>
 
 #include "internal/descriptor.h"
-#include "internal/home.h"
 #include "support/exportdata.h"
 #include "support/gxclient_prefix.h"
 #include "support/osx_show_in_file_manager.h"
@@ -28,6 +27,8 @@ using GXInternal::UniqueFd;
 
 constexpr mode_t kDirectoryMode = 0755;
 constexpr mode_t kTempFileMode = 0600;
+constexpr char kPerUserDirectory[] = ".gannorex";
+constexpr char kFallbackHome[] = "/root";
 constexpr std::size_t kMaxTempPath = 511;  // a longer template is cut and then refused by mkstemp()
 
 bool EnsureDirectory(const std::string& path) {
@@ -49,6 +50,14 @@ const char* FirstSetVariable(std::initializer_list<const char*> names) {
     if (value != nullptr) return value;  // an empty one counts
   }
   return nullptr;
+}
+
+std::string HomeDirectory(std::string user) {
+  const char* home = FirstSetVariable({"HOME"});
+  if (home == nullptr) return {};
+  if (std::strcmp(home, "/") != 0) return home;
+  const passwd* entry = getpwnam(Transcode("UTF-8", "", std::move(user)).c_str());
+  return entry != nullptr ? entry->pw_dir : kFallbackHome;
 }
 
 std::string LoginName() {
@@ -111,8 +120,8 @@ int UnlinkOrTruncate(const char* path) { return unlink(path); }
 std::string winGetTempDir() { return {}; }
 
 std::string calcHomeDir(std::string user) {
-  std::string home = GXInternal::HomeDirectory(std::move(user));
-  (void)CheckCreateDir(home + "/" + GXInternal::kPerUserDirectory, false);
+  std::string home = HomeDirectory(std::move(user));
+  (void)CheckCreateDir(home + "/" + kPerUserDirectory, false);
   return home;
 }
 

@@ -5,18 +5,19 @@
 #include <chrono>
 #include <climits>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string_view>
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
 #include "internal/child.h"
 #include "internal/descriptor.h"
-#include "internal/environment.h"
 
 namespace {
 
@@ -113,6 +114,25 @@ int Show(const std::string& path) {
 
 #else
 
+// The variable's value; one that is not set counts as empty.
+std::string Environment(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr ? value : "";
+}
+
+// Where dbus-send finds the bus of the session; empty where it finds none and would start a bus of
+// its own, which stays.
+std::string SessionBusAddress() {
+  std::string address = Environment("DBUS_SESSION_BUS_ADDRESS");
+  const std::string directory = Environment("XDG_RUNTIME_DIR");
+  if (!address.empty() || directory.empty()) return address;
+  std::string bus = directory + "/bus";
+  struct stat info = {};
+  const bool owned =
+      lstat(bus.c_str(), &info) == 0 && S_ISSOCK(info.st_mode) && info.st_uid == getuid();
+  return owned ? bus : std::string();
+}
+
 // Escapes all but the unreserved characters of RFC 3986 and the slash. A URI needs less, but
 // dbus-send would cut the list at a comma.
 std::string FileUri(const std::string& path) {
@@ -183,7 +203,7 @@ int ReadAnswer(int fd) {
 }
 
 int AskFileManager(const std::string& path) {
-  if (GXInternal::SessionBusAddress().empty()) return kNotShown;
+  if (SessionBusAddress().empty()) return kNotShown;
   const std::string items = "array:string:" + FileUri(path);
   // Without --print-reply it waits for no answer.
   const char* const argv[] = {"dbus-send",
@@ -207,7 +227,6 @@ std::string DirectoryOf(const std::string& path) {
 }
 
 int OpenDirectory(const std::string& directory) {
-  using GXInternal::Environment;
   if ((Environment("DISPLAY") + Environment("WAYLAND_DISPLAY")).empty()) return kNotShown;
   const char* const argv[] = {"xdg-open", directory.c_str(), nullptr};
   return StartDetached(argv) ? kShown : kNotShown;
