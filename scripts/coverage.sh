@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Runs the tests in a coverage build and reports the lines and branches of common/; fails below
-# 100 % of the lines or 95 % of the branches. Exception edges do not count.
+# Runs the tests in a coverage build, installing first what that needs, and prints the lines and branches
+# of common/. Fails below 100 % of the lines or 95 % of the branches. Exception edges do not count.
 # usage: scripts/coverage.sh
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 
 scripts/setup.sh build coverage
 find build/coverage -name '*.gcda' -delete 2>/dev/null || true

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Makes the reference of the public headers in build/docs, installing first what that needs, and says
-# where it begins. Fails for anything public without a comment and for a comment that Doxygen cannot
-# read. Where the theme is not packaged it has Doxygen's own look.
+# Makes the reference of the public headers in build/docs, installing first what that needs, and prints
+# the name of its first page. Fails for a public name without a comment and for a comment that Doxygen
+# cannot read. Without the package of the theme the pages have Doxygen's own look.
 # usage: scripts/docs.sh
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 
 scripts/setup.sh docs
 rm -rf build/docs

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Formats the sources in place; with --check only reports what differs.
+# Formats the sources in place, installing first what that needs; with --check only prints what differs.
 # usage: scripts/format.sh [--check]
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
 
+scripts/setup.sh check
 mode=(-i)
 [ "${1:-}" != --check ] || mode=(--dry-run --Werror)
 find bench common docs fuzz tests tools '(' -name '*.h' -o -name '*.cpp' ')' -print0 |

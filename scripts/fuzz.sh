@@ -1,16 +1,15 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets, installing first what that needs, and runs each for a while with the tokens
-# of its worlds as a dictionary. Says for each what was run and found; an input that was found is
-# kept, and the exit status is 1 then.
+# Builds the fuzz targets, installing first what that needs, and runs each for some seconds with the
+# tokens of its worlds as a dictionary. Keeps an input that fails in build/fuzz/findings and exits with 1.
 # usage: scripts/fuzz.sh SECONDS [TARGET]...
 set -euo pipefail
-here=$(dirname "$0")
+. "$(dirname "$0")/lib.sh"
+
 seconds=${1:?how many seconds for each target?}
 shift
 
-"$here/setup.sh" build fuzz
-"$here/build.sh" fuzz
-cd "$here/.."
+scripts/setup.sh build fuzz
+scripts/build.sh fuzz
 [ $# -gt 0 ] || { set -- fuzz/*_fuzz.cpp; set -- "${@#fuzz/}"; set -- "${@%_fuzz.cpp}"; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
-# Runs cppcheck over the sources and shellcheck over the scripts; every finding fails.
+# Runs cppcheck over the sources and shellcheck over the scripts, installing first what that needs. Every
+# finding fails.
 # usage: scripts/lint.sh
 set -euo pipefail
-cd "$(dirname "$0")/.."
+. "$(dirname "$0")/lib.sh"
+
+scripts/setup.sh check
 
 # What is off, and why:
 # passedByValue: parameters by value are the module's interface.
@@ -23,5 +26,7 @@ for check in passedByValue useStlAlgorithm getpwnamCalled getpwuidCalled readdir
   options+=("--suppress=$check")
 done
 find bench common docs fuzz tests tools -name '*.cpp' -print0 |
-  xargs -0 cppcheck -j "$(getconf _NPROCESSORS_ONLN)" "${options[@]}"
-shellcheck .ci/run scripts/*.sh po/*.sh tests/*.sh cmake/debian/*.sh tools/gxutil.bash
+  xargs -0 cppcheck -j "$(jobs)" "${options[@]}"
+# SC2086: in these scripts unquoted variables are lists of words.
+find .ci/run po scripts tests tools '(' -name '*.sh' -o -name '*.bash' -o -name run ')' -print0 |
+  xargs -0 shellcheck -x -P SCRIPTDIR -e SC2086

@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
-# Builds gxutil, installing first what that needs, and runs it.
+# Builds gxutil, installing first what that needs, and runs it. "run.sh help" prints its commands.
 # usage: scripts/run.sh GXUTIL_ARGUMENT...
 set -euo pipefail
-here=$(dirname "$0")
+directory=$PWD
+. "$(dirname "$0")/lib.sh"
 
-"$here/setup.sh" build
-"$here/build.sh" --target gxutil release
-exec "$here/../build/release/tools/gxutil" "$@"
+scripts/setup.sh build
+scripts/build.sh --target gxutil release
+gxutil=$PWD/build/release/tools/gxutil
+cd "$directory"
+exec "$gxutil" "$@"

@@ -1,60 +1,58 @@
 #!/usr/bin/env bash
-# Installs what the project needs and this machine lacks, and says what it does.
-# usage: scripts/setup.sh [--list] [GROUP]...   (the groups are below; default: build, to compile
-# and test; --list only prints the names)
-# Debian and Ubuntu: apt, with sudo when not root. macOS: brew. On another system it only names what
-# is needed, and the build says what it misses.
+# Installs the packages that the project needs and this machine lacks, and names them. Debian and Ubuntu:
+# apt, with sudo unless root runs it. macOS: brew. On another system it only names the packages.
+# usage: scripts/setup.sh [--list] [GROUP]...   (--list only prints the names)
+#   build                                      to compile and test: the default
+#   check clang bench valgrind coverage fuzz docs package    for the scripts and presets of these names
+#   aarch64 armhf i386 riscv64 s390x debian13 macos          for scripts/cross.sh
 set -euo pipefail
+. "$(dirname "$0")/lib.sh"
 
-emulation='mmdebstrap qemu-user'  # scripts/cross.sh: libraries of the processor, and its emulator
+system=debian
+[ "$(uname)" != Darwin ] || system=brew
 
-debian_packages() {
-  case $1 in
-    build) echo g++ cmake make pkg-config gettext libcli11-dev libgtest-dev nettle-dev ;;
-    check) echo clang clang-format clang-tidy cppcheck locales shellcheck ;;
-    libcxx) echo clang libc++-dev libc++abi-dev googletest ;;
-    valgrind) echo valgrind libc6-dbg ;;
-    bench)
-      echo gnuplot-nox jq libabsl-dev libbenchmark-dev libevent-dev libglib2.0-dev libmodpbase64-dev \
-        libssl-dev
+packages() {
+  case $system-$1 in
+    debian-build) echo g++ cmake make pkg-config gettext libcli11-dev libgtest-dev nettle-dev ;;
+    brew-build) echo cmake pkgconf cli11 gettext nettle ;;
+    brew-check) echo llvm cppcheck shellcheck ;;
+    debian-check) echo clang clang-format clang-tidy cppcheck locales shellcheck ;;
+    debian-clang) echo clang libc++-dev libc++abi-dev googletest ;;
+    debian-bench)
+      echo libabsl-dev libboost-dev libevent-dev libglib2.0-dev libmodpbase64-dev libssl-dev
       ;;
-    coverage) echo gcovr ;;
-    docs) echo doxygen doxygen-awesome-css ;;
-    fuzz) echo clang libclang-rt-dev ;;
-    package) echo dpkg-dev file lintian ;;
-    aarch64) echo g++-aarch64-linux-gnu "$emulation" ;;
-    debian13) echo mmdebstrap ;;
-    armhf) echo g++-arm-linux-gnueabihf "$emulation" ;;
-    i386) echo g++-i686-linux-gnu "$emulation" ;;
-    riscv64) echo g++-riscv64-linux-gnu "$emulation" ;;
-    s390x) echo g++-s390x-linux-gnu "$emulation" ;;
-    npm) echo npm ;;
+    debian-valgrind) echo valgrind libc6-dbg ;;
+    debian-coverage) echo gcovr ;;
+    debian-docs) echo doxygen doxygen-awesome-css ;;
+    debian-fuzz) echo clang libclang-rt-dev ;;
+    debian-package) echo dpkg-dev file lintian ;;
+    debian-aarch64) echo g++-aarch64-linux-gnu mmdebstrap qemu-user ;;
+    debian-armhf) echo g++-arm-linux-gnueabihf mmdebstrap qemu-user ;;
+    debian-i386) echo g++-i686-linux-gnu mmdebstrap qemu-user ;;
+    debian-riscv64) echo g++-riscv64-linux-gnu mmdebstrap qemu-user ;;
+    debian-s390x) echo g++-s390x-linux-gnu mmdebstrap qemu-user ;;
+    debian-debian13) echo mmdebstrap ;;
+    debian-macos) echo npm ;;
     *) return 1 ;;
   esac
 }
 
-brew_packages() {
-  case $1 in
-    build) echo cmake pkgconf cli11 googletest gettext nettle ;;
-    check) echo llvm cppcheck shellcheck ;;
-    bench) echo abseil glib gnuplot google-benchmark jq libevent openssl@3 ;;
-    coverage) echo gcovr ;;
-    docs) echo doxygen ;;
-    fuzz) echo llvm ;;
-    *) return 1 ;;
-  esac
+installed() {
+  if [ "$system" = brew ]; then
+    brew list -1
+  else
+    dpkg-query -W -f '${db:Status-Status} ${Package}\n' | sed -n 's/^installed //p'
+  fi
 }
 
-installed_debian() { dpkg-query -W -f '${db:Status-Status} ${Package}\n' | sed -n 's/^installed //p'; }
-installed_brew() { brew list -1; }
-
-install_debian() {
-  local as_root=
-  [ "$(id -u)" = 0 ] || as_root=sudo
-  $as_root apt-get update &&
-    $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
+install() {
+  if [ "$system" = brew ]; then
+    brew install "$@"
+  else
+    $sudo apt-get update &&
+      $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
+  fi
 }
-install_brew() { brew install "$@"; }
 
 list=
 if [ "${1:-}" = --list ]; then
@@ -62,42 +60,25 @@ if [ "${1:-}" = --list ]; then
   shift
 fi
 [ $# -gt 0 ] || set -- build
-system=debian manager=dpkg-query
-[ "$(uname)" != Darwin ] || system=brew manager=brew
-
-wanted=
-for name in "$@"; do
-  packages=$("${system}_packages" "$name") || { echo "setup.sh: no group '$name'" >&2; exit 2; }
-  wanted="$wanted $packages"
-done
-# shellcheck disable=SC2086  # one word a package
-wanted=$(printf '%s\n' $wanted | sort -u)
+wanted=$(for group in "$@"; do
+  packages "$group" || { echo "setup.sh: no group '$group'" >&2; exit 2; }
+done | tr ' ' '\n' | sort -u)
 if [ -n "$list" ]; then
   echo "$wanted"
   exit 0
 fi
-if ! command -v "$manager" >/dev/null; then
-  # shellcheck disable=SC2086
-  echo "setup.sh: without $manager nothing is installed; needed:" $wanted >&2
+if ! command -v dpkg-query brew >/dev/null; then
+  echo "setup.sh: neither apt nor brew was found; needed:" $wanted >&2
   exit 0
 fi
-missing=$(comm -23 <(echo "$wanted") <("installed_$system" | sort -u))
+missing=$(comm -23 <(echo "$wanted") <(installed | sort -u))
 [ -n "$missing" ] || exit 0
-if [ "$system" = debian ] && [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
-  echo 'setup.sh: packages are missing and there is no sudo; an administrator has to run' >&2
-  # shellcheck disable=SC2086
+sudo=
+[ "$(id -u)" = 0 ] || sudo=sudo
+if [ "$system-$sudo" = debian-sudo ] && ! command -v sudo >/dev/null; then
+  echo 'setup.sh: packages are missing and there is no sudo; an administrator must run' >&2
   echo '  apt-get update && apt-get install -y --no-install-recommends' $missing >&2
   exit 1
 fi
-
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-# shellcheck disable=SC2086
-{
-  echo "setup.sh: installing" $missing >&2
-  if ! "install_$system" $missing >"$log" 2>&1; then
-    cat "$log" >&2
-    echo "setup.sh: the installation failed" >&2
-    exit 1
-  fi
-}
+echo "setup.sh: installing" $missing >&2
+quietly install $missing
