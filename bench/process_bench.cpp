@@ -1,28 +1,30 @@
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <glib.h>
+#include <boost/tokenizer.hpp>
+
 #include "bench.h"
 #include "gxclient_util.h"
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
-using namespace std::string_literals;
-
 namespace {
 
-// What running a program costs without the module: one pipe, one child, one read after the other.
+void Require(bool isTrue) {
+  if (!isTrue) std::abort();
+}
+
+// The bare calls that run a program: one pipe, one child, one read after the other.
 void BareRun(const char* const* argv, std::string* output = nullptr) {
   int ends[2];
-  if (pipe(ends) != 0) std::abort();
+  Require(pipe(ends) == 0);
   const pid_t pid = fork();
   if (pid == 0) {
     dup2(ends[1], 1);
@@ -39,13 +41,13 @@ void BareRun(const char* const* argv, std::string* output = nullptr) {
   }
   close(ends[0]);
   int status = 0;
-  if (waitpid(pid, &status, 0) != pid || status != 0) std::abort();
+  Require(waitpid(pid, &status, 0) == pid && status == 0);
 }
 
 // The same for a detached start: the parent learns of the exec from a pipe that closes with it.
 void BareStart(const char* const* argv) {
   int ends[2];
-  if (pipe(ends) != 0 || fcntl(ends[1], F_SETFD, FD_CLOEXEC) != 0) std::abort();
+  Require(pipe(ends) == 0 && fcntl(ends[1], F_SETFD, FD_CLOEXEC) == 0);
   const pid_t pid = fork();
   if (pid == 0) {
     close(ends[0]);
@@ -57,74 +59,77 @@ void BareStart(const char* const* argv) {
   }
   close(ends[1]);
   char report[16];
-  if (read(ends[0], report, sizeof report) != 0) std::abort();
+  Require(read(ends[0], report, sizeof report) == 0);
   close(ends[0]);
-  if (waitpid(pid, nullptr, 0) != pid) std::abort();
+  Require(waitpid(pid, nullptr, 0) == pid);
 }
 
-// SplitCommandLine for lines without quotes.
-std::vector<std::string> SplitAtSpaces(const std::string& line) {
-  std::vector<std::string> arguments;
-  const char* start = line.data();
-  const char* end = start + line.size();
-  while (const void* found = std::memchr(start, ' ', static_cast<std::size_t>(end - start))) {
-    const char* space = static_cast<const char*>(found);
-    if (space != start) arguments.emplace_back(start, space);
-    start = space + 1;
+void Capture(const std::string& command, std::size_t size) {
+  FILE* stream = popen(command.c_str(), "r");
+  std::string output;
+  char piece[4096];
+  while (const std::size_t count = std::fread(piece, 1, sizeof piece, stream)) {
+    output.append(piece, count);
   }
-  if (start != end) arguments.emplace_back(start, end);
-  return arguments;
+  Require(pclose(stream) == 0 && output.size() == size);
 }
-
-constexpr const char* kExit[] = {BENCH_EXIT, nullptr};
-constexpr const char* kTrue[] = {"/bin/true", nullptr};
-constexpr const char* kCapture[] = {"head", "-c", "67108864", "/dev/zero", nullptr};
-constexpr const char* kCaptureText[] = {"sh", "-c", "yes | head -c 67108864", nullptr};
 
 // Rows that start a program from a process which holds `memory` bytes more.
-void AddForkRows(const std::string& name, const char* const* argv, std::size_t memory = 0) {
-  const auto run = [argv] { GXUtils::System(argv); };
-  bench::Row("System, " + name, run, memory).Against("bare pipe, fork, exec, wait", 1.05, [argv] {
-    BareRun(argv);
+void AddStartRows(const std::string& name, std::size_t memory) {
+  static constexpr const char* kExit[] = {BENCH_EXIT, nullptr};
+  bench::Row(
+      "System, " + name, [] { GXUtils::System(kExit); }, memory)
+      .Against("bare pipe, fork, exec, wait", [] { BareRun(kExit); })
+      .Against("popen", [] { Capture(BENCH_EXIT, 0); });
+  const auto start = [] { Require(waitpid(GXUtils::SystemNowait(kExit), nullptr, 0) > 0); };
+  bench::Row("SystemNowait, " + name, start, memory).Against("bare pipe, fork, exec", [] {
+    BareStart(kExit);
   });
-  const auto start = [argv] {
-    const int pid = GXUtils::SystemNowait(argv);
-    if (waitpid(pid, nullptr, 0) != pid) std::abort();
-  };
-  bench::Row("SystemNowait, " + name, start, memory).Against("bare pipe, fork, exec", 1.05, [argv] {
-    BareStart(argv);
+}
+
+void AddCaptureRow() {
+  static constexpr const char* kText[] = {"sh", "-c", "yes | head -c 16777216", nullptr};
+  static constexpr std::size_t kSize = 16777216;
+  bench::Row("System, 16 MiB captured",
+             [] {
+               std::string output;
+               GXUtils::System(kText, &output);
+               Require(output.size() == kSize);
+             })
+      .Against("bare reads of 255 bytes, appended",
+               [] {
+                 std::string output;
+                 BareRun(kText, &output);
+                 Require(output.size() == kSize);
+               })
+      .Against("popen", [] { Capture(kText[2], kSize); });
+}
+
+void AddCommandLineRow(const std::string& name, const std::string& line) {
+  const bench::Row row("SplitCommandLine, " + name,
+                       [line] { bench::Use(GXUtils::SplitCommandLine(line)); });
+  row.Against("GLib", [line] {
+    char** arguments = nullptr;
+    Require(g_shell_parse_argv(line.c_str(), nullptr, &arguments, nullptr) != 0);
+    g_strfreev(arguments);
+  });
+  row.Against("Boost.Tokenizer", [line] {
+    using Separator = boost::escaped_list_separator<char>;
+    const boost::tokenizer<Separator> tokens(line, Separator('\\', ' ', '"'));
+    bench::Use(std::vector<std::string>(tokens.begin(), tokens.end()));
   });
 }
 
 }  // namespace
 
 void bench::AddRows() {
-#ifdef __GLIBC__
   mallopt(M_MMAP_THRESHOLD, 1 << 17);  // what a row frees does not stay and slow the next fork()
-#endif
-  AddForkRows("exit only", kExit);
-  AddForkRows("/bin/true", kTrue);
-  AddForkRows("exit only, from 256 MiB", kExit, 256U << 20);
-  Row("System, 64 MiB thrown away", [] {
-    GXUtils::System(kCapture);
-  }).Against("bare reads of 255 bytes", 1.10, [] { BareRun(kCapture); });
-  Row("System, 64 MiB captured", [] {
-    std::string output;
-    GXUtils::System(kCaptureText, &output);
-    if (output.size() != 67108864) std::abort();
-  }).Against("bare reads of 255 bytes, appended", 1.10, [] {
-    std::string output;
-    BareRun(kCaptureText, &output);
-  });
-
+  AddStartRows("a program that only exits", 0);
+  AddStartRows("the same from 256 MiB", 256U << 20);
+  AddCaptureRow();
   const std::string five = "/usr/bin/program --verbose --output file.txt input";
-  std::string megabyte;
-  while (megabyte.size() < 1000000) megabyte += five + " ";
-  for (const auto& [name, line] : {std::pair("5 arguments", five), std::pair("1 MB", megabyte)}) {
-    Row("SplitCommandLine, "s + name, [line = line] {
-      benchmark::DoNotOptimize(GXUtils::SplitCommandLine(line));
-    }).Against("memchr loop", 1.05, [line = line] {
-      benchmark::DoNotOptimize(SplitAtSpaces(std::string(line)));
-    });
-  }
+  std::string megabyte = five;
+  while (megabyte.size() < 1U << 20) megabyte += " " + five;
+  AddCommandLineRow("5 arguments", five);
+  AddCommandLineRow("1 MiB", megabyte);
 }
