@@ -26,7 +26,7 @@ Calls Repeat(Body body) {
   };
 }
 
-/// A function of the module and a workload, and what it is compared with.
+/// A function of the module with a workload, to compare with other libraries.
 class Row {
  public:
   /// The process holds `memory` bytes more while the row is timed.

@@ -30,7 +30,7 @@ END {
     "font-family='sans-serif' font-size='14'>\n", width, height, width, height
   print "<title>Time of each function beside the fastest other library</title>"
   print "<style>.page{fill:#fff}.label,.title{fill:#1f2328}.note{fill:#59636e;font-size:12px}"
-  print ".title{font-size:16px;font-weight:bold}.line{stroke:#1f2328;stroke-dasharray:3 3}"
+  print ".title{font-size:16px;font-weight:bold}.line{stroke:#1f2328}"
   print ".faster{fill:#1a7f37}.equal{fill:#6e7781}.slower{fill:#bc4c00}"
   print "@media(prefers-color-scheme:dark){.page{fill:#0d1117}.label,.title{fill:#f0f6fc}"
   print ".note{fill:#9198a1}.line{stroke:#f0f6fc}"
@@ -48,11 +48,12 @@ END {
     ratio = worst[names[i]]; y = top + (i - 1) * row
     class = ratio < 0.95 ? "faster" : ratio <= 1.05 ? "equal" : "slower"
     length_ = one * (ratio > limit ? limit : ratio)
-    text(left, y + 12, "label", workload[names[i]] " : " peer[names[i]])
+    text(left, y + 12, "label", workload[names[i]] " - " peer[names[i]])
     printf "<rect x='%d' y='%d' width='%.0f' height='13' class='%s'/>\n", left, y + 18, length_, class
+    printf "<path class='line' d='M%d %dv17'/>\n", left + one, y + 16
     if (ratio > limit)
       printf "<path d='M%.0f %d l6 -19 h5 l-6 19z' class='page'/>\n", left + length_ - 26, y + 34
     text(left + length_ + 6, y + 29, "label", sprintf("%.2f", ratio))
   }
-  printf "<path class='line' d='M%d %dV%d'/>\n</svg>\n", left + one, top - 6, height - 8
+  print "</svg>"
 }

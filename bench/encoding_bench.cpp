@@ -41,14 +41,14 @@ void bench::AddEncodingRows() {
     const std::string room(text.size() * 4 + 8, '\0');
     const Row transcode(std::string("Transcode, ") + name,
                         [text] { Use(GXUtils::Transcode("ISO-8859-1", "UTF-8", text)); });
-    transcode.Against("bare iconv calls", [text, buffer = room]() mutable {
+    transcode.Against("the bare calls", [text, buffer = room]() mutable {
       BareConvert("ISO-8859-1", "UTF-8//IGNORE", text, buffer);
     });
     if (size == 16) {
       Row("Transcode, buffer of 34 bytes", [text, buffer = room]() mutable {
         GXUtils::Transcode("UTF-8", "UCS-2", text.data(), text.size(), buffer.data(), 34);
         Use(buffer);
-      }).Against("bare iconv calls", [text, buffer = room]() mutable {
+      }).Against("the bare calls", [text, buffer = room]() mutable {
         BareConvert("UTF-8", "UCS-2LE//IGNORE", text, buffer.assign(34, '\0'));
       });
     }

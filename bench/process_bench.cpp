@@ -79,10 +79,10 @@ void AddStartRows(const std::string& name, std::size_t memory) {
   static constexpr const char* kExit[] = {BENCH_EXIT, nullptr};
   bench::Row(
       "System, " + name, [] { GXUtils::System(kExit); }, memory)
-      .Against("bare pipe, fork, exec, wait", [] { BareRun(kExit); })
+      .Against("the bare calls", [] { BareRun(kExit); })
       .Against("popen", [] { Capture(BENCH_EXIT, 0); });
   const auto start = [] { Require(waitpid(GXUtils::SystemNowait(kExit), nullptr, 0) > 0); };
-  bench::Row("SystemNowait, " + name, start, memory).Against("bare pipe, fork, exec", [] {
+  bench::Row("SystemNowait, " + name, start, memory).Against("the bare calls", [] {
     BareStart(kExit);
   });
 }
@@ -96,7 +96,7 @@ void AddCaptureRow() {
                GXUtils::System(kText, &output);
                Require(output.size() == kSize);
              })
-      .Against("bare reads of 255 bytes, appended",
+      .Against("the bare calls",
                [] {
                  std::string output;
                  BareRun(kText, &output);
@@ -123,7 +123,7 @@ void AddCommandLineRow(const std::string& name, const std::string& line) {
 }  // namespace
 
 void bench::AddRows() {
-  mallopt(M_MMAP_THRESHOLD, 1 << 17);  // what a row frees does not stay and slow the next fork()
+  mallopt(M_MMAP_THRESHOLD, 1 << 17);  // freed memory must not stay and slow the next fork()
   AddStartRows("a program that only exits", 0);
   AddStartRows("the same from 256 MiB", 256U << 20);
   AddCaptureRow();
