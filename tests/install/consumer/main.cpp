@@ -1,6 +1,6 @@
-// A client of the module. With OWN_COLLABORATORS it brings its own log and file manager, which
-// need not be shaped like the project's. They count also where it calls members of std::string, which
-// an unoptimised build of the project's own has in the same object files.
+// A client of the module. With OWN_COLLABORATORS it defines a log and a file manager, which need not be
+// shaped like those of the project. They call members of std::string, because an unoptimised library
+// has these in the object files that the client's own definitions replace.
 #include "gxclient_util.h"
 
 #ifdef OWN_COLLABORATORS
