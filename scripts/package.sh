@@ -1,17 +1,16 @@
 #!/usr/bin/env bash
-# Makes the Debian packages of the shared libraries, of what a client is built with and of gxutil in
-# build/package, installing first what that needs, and checks them with lintian. Their maintainer is
-# who runs it: DEBFULLNAME and DEBEMAIL.
-# usage: scripts/package.sh
+# Makes the Debian packages of a preset in build/PRESET, installing first what that needs, and checks
+# them with lintian. Their maintainer is taken from DEBFULLNAME and DEBEMAIL.
+# usage: scripts/package.sh [release|shared]   (static or shared libraries; default: release)
 set -euo pipefail
 umask 022  # the packages keep the modes of the files
-here=$(dirname "$0")
+. "$(dirname "$0")/lib.sh"
 
-"$here/setup.sh" build package
-"$here/build.sh" package-shared
-"$here/build.sh" package
-cd "$here/../build/package"
+preset=${1:-release}
+scripts/setup.sh build package
+scripts/build.sh "$preset" -DCMAKE_INSTALL_PREFIX=/usr
+cd "build/$preset"
 rm -f ./*.deb
-cpack >cpack.log 2>&1 || { cat cpack.log >&2; exit 1; }
+quietly cpack -G DEB
 lintian --allow-root --fail-on error ./*.deb
 ls -s --block-size=K ./*.deb
