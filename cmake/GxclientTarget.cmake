@@ -1,9 +1,23 @@
-# gxclient_harden_target(TARGET): checks at run time that stop the process where memory is overrun.
-# Not for a build with sanitizers, which do not see through the C library's checked calls.
+include(CheckCXXCompilerFlag)
+
+# The flags for the stack and for control flow (x86-64, aarch64) that the compiler has.
+set(hardening_flags)
+set(CMAKE_REQUIRED_FLAGS -Werror)  # clang only warns of a flag that means nothing for the processor
+foreach(flag fstack-clash-protection fcf-protection mbranch-protection=standard)
+  string(MAKE_C_IDENTIFIER GXCLIENT_HAS_${flag} has_flag)
+  check_cxx_compiler_flag(-${flag} ${has_flag})
+  if(${has_flag})
+    list(APPEND hardening_flags -${flag})
+  endif()
+endforeach()
+unset(CMAKE_REQUIRED_FLAGS)
+
+# gxclient_harden_target(TARGET): checks at run time that stop the process if memory is overrun. Not for a
+# build with sanitizers, which do not see through the C library's checked calls.
 function(gxclient_harden_target target)
-  target_compile_options(${target} PRIVATE -fstack-protector-strong)
-  # The C library's checked calls need the optimiser. Some compilers define the macro by themselves;
-  # a C library that has no level 3 takes it for 2.
+  target_compile_options(${target} PRIVATE -fstack-protector-strong ${hardening_flags})
+  # The C library's checked calls need the optimiser. Some compilers define the macro themselves. A C
+  # library without level 3 takes it for 2.
   set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
   target_compile_options(${target} PRIVATE
     $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=3>)
@@ -12,8 +26,8 @@ function(gxclient_harden_target target)
   endif()
 endfunction()
 
-# gxclient_configure_target(TARGET): what every target of this project is compiled with. All of it is
-# private to the target: a client keeps its own flags.
+# gxclient_configure_target(TARGET): the flags of every target of this project. All of them are private
+# to the target: a client keeps its own flags.
 function(gxclient_configure_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   # Shared libraries export what is public, also in the build of a client that hides its own symbols.
@@ -42,8 +56,8 @@ function(gxclient_configure_target target)
   endif()
 endfunction()
 
-# gxclient_set_install_rpath(TARGET DIRECTORY): what is installed in DIRECTORY finds the project's
-# shared libraries, also after the tree was moved. Nothing is set where the loader looks anyway.
+# gxclient_set_install_rpath(TARGET DIRECTORY): a target that is installed in DIRECTORY finds the
+# project's shared libraries, also after the tree was moved. A directory of the loader needs no path.
 function(gxclient_set_install_rpath target directory)
   if(NOT BUILD_SHARED_LIBS
       OR CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
