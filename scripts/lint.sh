@@ -7,10 +7,10 @@ set -euo pipefail
 
 scripts/setup.sh check
 
-# What is off, and why:
+# Checks that are off, and why:
 # passedByValue: parameters by value are the module's interface.
 # useStlAlgorithm: a loop of one line needs no algorithm.
-# getpwnamCalled, getpwuidCalled: the header says that these two are for one thread.
+# getpwnamCalled, getpwuidCalled: the header requires one thread for these two.
 # readdirCalled, strtokCalled: only in tests, which use them in one thread.
 # assertWithSideEffect: the assertions of the fuzz targets hold in every build type.
 # redundantContinue: it is the body of a loop that needs none.
