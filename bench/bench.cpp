@@ -52,6 +52,7 @@ double Median(std::vector<double> values) {
 
 void MeasureRound(Comparison& comparison) {
   const std::string held(comparison.memory, 'x');
+  bench::Use(held);
   const int count = std::max(CallsPerSample(comparison.ours), CallsPerSample(comparison.theirs));
   std::vector<double> ours;
   std::vector<double> theirs;

@@ -10,7 +10,9 @@ scripts/build.sh debug
 # The tests replace operator new: valgrind must not.
 export VALGRIND_OPTS='--quiet --leak-check=no --soname-synonyms=somalloc=nouserintercepts
   --error-exitcode=99 --log-fd=9'
-report=build/debug/valgrind.log
+report=build/debug/valgrind.log status=0
 ctest --test-dir build/debug --show-only=json-v1 | sed -n 's|^ *"\(/.*_test\)",*$|\1|p' | sort -u |
-  xargs -P "$(jobs)" -I{} valgrind {} --gtest_brief=1 9>"$report"
-[ ! -s "$report" ] || { cat "$report" >&2; exit 1; }
+  xargs -P "$(jobs)" -I{} valgrind {} --gtest_brief=1 9>"$report" || status=1
+cat "$report" >&2
+[ ! -s "$report" ] || status=1
+exit "$status"
