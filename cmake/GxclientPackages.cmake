@@ -14,13 +14,6 @@ if(BUILD_SHARED_LIBS)
 else()
   set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "nettle-dev, pkg-config")
 endif()
-foreach(component package IN ZIP_LISTS CPACK_COMPONENTS_ALL packages)
-  string(TOUPPER ${component} variable)
-  set(CPACK_DEBIAN_${variable}_PACKAGE_NAME ${package})
-  install(FILES ${CMAKE_CURRENT_LIST_DIR}/debian/copyright
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
-endforeach()
-
 set(name $ENV{DEBFULLNAME})
 set(address $ENV{DEBEMAIL})
 if(NOT name OR NOT address)
@@ -28,6 +21,28 @@ if(NOT name OR NOT address)
   set(address "unnamed@packager.invalid")
 endif()
 set(CPACK_PACKAGE_CONTACT "${name} <${address}>")
+
+# lintian requires a changelog, and a trigger of ldconfig for shared libraries.
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)  # that of SOURCE_DATE_EPOCH if it is set
+set(changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog)
+file(WRITE ${changelog} "gxclient (${PROJECT_VERSION}) unstable; urgency=medium
+
+  * CHANGELOG.md of the source has the changes.
+
+ -- ${CPACK_PACKAGE_CONTACT}  ${date}
+")
+file(ARCHIVE_CREATE OUTPUT ${changelog}.gz PATHS ${changelog} FORMAT raw COMPRESSION GZip)
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/triggers)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
+
+foreach(component package IN ZIP_LISTS CPACK_COMPONENTS_ALL packages)
+  string(TOUPPER ${component} variable)
+  set(CPACK_DEBIAN_${variable}_PACKAGE_NAME ${package})
+  install(FILES ${CMAKE_CURRENT_LIST_DIR}/debian/copyright ${changelog}.gz
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
+endforeach()
+
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -40,8 +55,8 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 foreach(component RUNTIME TOOLS)  # ShowInFileManager() runs them
   set(CPACK_DEBIAN_${component}_PACKAGE_RECOMMENDS "dbus-bin, xdg-utils")
 endforeach()
-set(about " C++ functions that run programs, handle text and encodings, and answer
- questions about files, users and the host.")
+set(about "C++ functions that run programs, handle text and encodings, and answer
+questions about files, users and the host.")
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "utility functions of the gxclient client - libraries\n${about}")
 set(CPACK_DEBIAN_DEV_DESCRIPTION "utility functions of the gxclient client - development\n${about}")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "utility functions of the gxclient client - command line\n${about}")
