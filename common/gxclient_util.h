@@ -1,471 +1,671 @@
 /// @file
-/// Utility functions of the client: running programs, text, encodings, files and the host.
+/// Utility functions of the client: processes, text, encodings, codecs, files and the host.
 ///
-/// What holds for all of them:
-/// - A byte string is a std::string without an encoding; a NUL byte in it is ordinary data, except
-///   where it becomes a path, a program name, an argument or a user's name, which end at their
-///   first NUL byte. A parameter of type const char* is NUL-terminated and not null; nor is an
-///   argument array.
-/// - What a function takes by value it works on: a text moved in is not copied, and the result may
-///   stand in its memory, with more capacity than it needs.
-/// - Pointers that return a result are optional unless the function says otherwise, and are written
-///   only on the results that the function names.
-/// - What a call leaves in errno means something only where the function says so.
-/// - Nothing is logged and nothing is thrown unless the function says so. Log lines go to
-///   Logfile::Log() on `logfile`, untranslated; the text of a GXException is translated by gettext
-///   in the text domain that the client has set. Exceptions of the standard library (memory
-///   exhausted, above all) and of the client's log pass through; nothing that the call opened or
-///   started stays behind then.
-/// - Three functions touch state of the whole process and are called from one thread at a time:
-///   System() changes the action for SIGCHLD while it runs; calcHomeDir() and calcRunningUser()
-///   read the environment, the locale and the password database. The others may run on any thread,
-///   as long as the objects passed by reference or pointer are not shared, and nothing that they
-///   read is changed meanwhile: the environment (the runners, Which(), ShowInFileManager(); also
-///   Transcode(), ToLower() and what logs, as the C library looks for its settings there), the
-///   locale (SystemNowait(), CompareHexStrings(), Transcode(), ToLower(), HexASCIIToString(),
-///   GetBogoMips()) or `gxclient_prefix` (AddPathPrefix()).
+/// These rules hold for every function:
+/// - A `std::string` holds bytes in no particular encoding. A NUL byte in it is ordinary data,
+///   unless the string is a path, a name or an argument, which end at their first NUL byte.
+/// - A `const char*` is NUL-terminated and must not be null, unless its comment allows null.
+/// - `errno` is meaningful after a call only if the function's comment mentions it.
+/// - A function logs only the lines and throws only the exceptions that its comment lists.
+///   Exceptions of the standard library, such as `std::bad_alloc`, and exceptions of the log also
+///   propagate. The call then leaves no file descriptor open and no child process behind.
 ///
-/// The types of the client that a caller meets have headers of their own: `support/gxexception.h`
-/// and `support/exportdata.h`.
+/// Log lines go to Logfile::Log() on the object `logfile`, in English. docs/guide.md has an example
+/// of every function and a table of the functions that read the environment or the locale.
 #pragma once
 
 #include <list>
 #include <string>
 #include <vector>
 
-/// The functions of the module, but for parse_nfs_export_option(), which is a global one.
+/// The functions of the library. parse_nfs_export_option() alone is in the global namespace.
 namespace GXUtils {
 
 /// @defgroup processes Processes
-/// Running programs and finding them.
-///
-/// The runners execute a program by the rules of execvp(): a name with "/" in it is a path, and any
-/// other one is looked for along PATH. No shell reads a command.
+/// Functions that run programs and find them.
 /// @{
 
-/// Cuts a command line into its arguments, the first one being the program.
+/// Splits a command line into arguments, the first of which is the program.
 ///
-/// Only the space byte separates; runs of it count once. A double quote opens a quoted argument
-/// only as the first byte of a field (at the start, after a separating space or right after a
-/// closing quote) and the next double quote closes it, with no space needed after it; `""` gives an
-/// empty argument. There is no escape character, so no argument can hold both a space and a double
-/// quote, or begin with a quote. A quote that is never closed loses its field: up to and including
-/// the next space, or to the end. Every other byte, tab, newline, backslash, single quote and NUL
-/// included, is an ordinary part of an argument.
+///     SplitCommandLine("ls -l \"my file\"")   // {"ls", "-l", "my file"}
+///     SplitCommandLine("a\"b c\" \"d\"e")     // {"a\"b", "c\"", "d", "e"}
 ///
-///     ls -l "my file"    ls, -l, my file
-///     a"b c" "d"e        a"b, c", d, e
+/// Only spaces separate arguments; several spaces count as one. A double quote begins a quoted
+/// argument if it is the first byte of the text, or follows a separating space or a closing quote.
+/// The next double quote ends that argument. Every other byte is ordinary data, for example a tab,
+/// a newline, a backslash, a single quote or a NUL byte. `""` is an empty argument.
 ///
-/// @return the arguments in order; none for a command line of spaces only or of a lost field.
+/// @note An unclosed double quote drops the text up to and including the next space, or to the end.
+/// @note There is no escape character. An argument cannot hold both a space and a double quote, and
+///       cannot begin with a double quote. Pass such arguments to System() in an array.
+///
+/// @param commandLine the command line.
+/// @return the arguments in order. The vector is empty if the text has only spaces, or only an
+///         unclosed argument.
 std::vector<std::string> SplitCommandLine(std::string commandLine);
 
-/// Runs a program and waits for it. Its standard output and error are captured together.
+/// Runs a program, waits for it to exit and captures its standard output and error together.
 ///
-/// `argv` is an array of NUL-terminated strings that ends in a null pointer; entry 0 is the
-/// program. An array without an entry counts as the program name "", which is never found. The
-/// program shares the caller's standard input and inherits no other descriptor below 1024. The call
-/// blocks until the program has exited and every process that inherited its output has closed it.
+///     const char* const argv[] = {"ls", "-d", "/tmp", nullptr};
+///     std::string output;
+///     int exitCode = 0;
+///     if (GXUtils::System(argv, &output, &exitCode) == 0 && exitCode == 0) {
+///       // output is "/tmp" and a newline
+///     }
 ///
-/// @param output what the program wrote is appended as it arrives, whatever the result, in pieces
-///        of at most 255 bytes; a NUL byte and what follows it in its piece are lost. No string of
-///        `argv` is part of it. Null: the output is thrown away. A read that fails or is
-///        interrupted by a signal ends the capture; it is not retried. The pipe is then closed: a
-///        program that writes on is ended by SIGPIPE (result -1), or gets EPIPE where it ignores
-///        that signal.
-/// @param exitCode receives the exit status (0 to 255) when the result is 0 or -2, otherwise it is
-///        not written.
-/// @retval 0 the program exited with a status other than 127 and 128
-/// @retval -1 the run failed: the program was ended by a signal, the wait failed or was interrupted
-///         (the program is then left unreaped), or one of the system calls below failed
+/// No shell is involved. The program is found along `PATH`, unless its name contains "/". It shares
+/// the caller's standard input and inherits no other file descriptor below 1024. The call blocks
+/// until the program has exited and every process that inherited its output has closed it.
+///
+/// @note The result 0 means that the program ran. Whether it succeeded is in `exitCode`.
+///
+/// @param argv the program and its arguments, then a null pointer. The array must not be null. One
+///        without a program means the program name "", which does not exist. The strings must not
+///        be part of `*output`.
+/// @param output if not null, the captured bytes are appended to it as they arrive, whatever the
+///        result. They arrive in pieces of at most 255 bytes. A NUL byte and the rest of its piece
+///        are dropped. If null, the output is discarded.
+/// @param exitCode if not null, receives the exit status (0 to 255) when the result is 0 or -2. If
+///        the result is -1, `*exitCode` is unchanged.
+/// @retval 0 the program exited with a status other than 127 and 128.
+/// @retval -1 a signal killed the program, waiting for it failed or was interrupted (it is then not
+///         reaped), or a system call failed. A failed system call writes one line to the standard
+///         error stream, not to the log: "Error: sigaction() failed", "Error: pipe() failed",
+///         "Error: fork() failed" or "Error: sigaction() restore failed".
 /// @retval -2 the program could not be executed (status 128), or it exited with status 127 or 128
-///         of its own, which is not told apart
+///         itself; the cases cannot be told apart. After the run, one line is logged at level 2:
+///         "Failed to start command X" (128) or "Command X not found" (127), X being `argv[0]`.
 ///
-/// Logs one line with level 2 when the result is -2, once the run is over:
-/// - "Failed to start command " and entry 0, for status 128
-/// - "Command ", entry 0 and " not found", for status 127
-///
-/// Writes one line to the standard error stream, not to the log, when sigaction, pipe (or making it
-/// close-on-exec), fork or the final sigaction fails: "Error: sigaction() failed", "Error: pipe()
-/// failed", "Error: fork() failed", "Error: sigaction() restore failed".
-///
-/// While it runs, the action for SIGCHLD is the default one, so that a handler of the client's does
-/// not see any child end; before it returns or throws, the former action is back. Not to be called
-/// from two threads at once.
-///
-/// An exception while output is appended (memory exhausted) closes the pipe and passes once the
-/// program has ended.
+/// Call from one thread at a time: SIGCHLD has its default action during the call, so the client's
+/// own handler sees no child exit. The previous action is restored before the call returns or
+/// throws, unless the system refuses ("restore failed"). The call does not retry a read or wait
+/// that a signal handler interrupts: install handlers with SA_RESTART. If appending to `*output`
+/// throws, the exception propagates once the program has exited. docs/processes.md has the details.
 int System(const char* const* argv, std::string* output = nullptr, int* exitCode = nullptr);
 
-/// The same for a command line, which SplitCommandLine() cuts into the program and its arguments. A
-/// command without any argument, such as one of spaces only, counts as the program name "".
+/// Runs a command line, waits for the program to exit and captures its output and error together.
 ///
-/// @throws GXException code 6, with the translation of "Empty command", when `command` has length
+///     std::string output;
+///     int exitCode = 0;
+///     if (GXUtils::System("ls -d /tmp", &output, &exitCode) == 0 && exitCode == 0) {
+///       // output is "/tmp" and a newline
+///     }
+///
+/// SplitCommandLine() splits the command; no shell is involved. The call then does the same as
+/// System() with an array, whose comment has all details.
+///
+/// @note The result 0 means that the program ran. Whether it succeeded is in `exitCode`.
+/// @note Pass a name that others chose in an array: quotes and spaces in it would split a command.
+///
+/// @param command the command line. One without arguments, such as one of spaces only, means the
+///        program name "", which does not exist.
+/// @param output if not null, the captured bytes are appended to it, whatever the result.
+/// @param exitCode if not null, receives the exit status (0 to 255) when the result is 0 or -2. If
+///        the result is -1, `*exitCode` is unchanged.
+/// @retval 0 the program exited with a status other than 127 and 128.
+/// @retval -1 a signal killed the program, waiting for it failed or was interrupted, or a system
+///         call failed, which writes one line to the standard error stream.
+/// @retval -2 the program could not be executed, or it exited with status 127 or 128. One line is
+///         logged at level 2: "Failed to start command X" (128) or "Command X not found" (127).
+/// @throws GXException with code 6 and the translation of "Empty command" if `command` has length
 ///         0.
+///
+/// Call from one thread at a time: SIGCHLD has its default action during the call.
 int System(std::string command, std::string* output = nullptr, int* exitCode = nullptr);
 
-/// Closes the descriptors from `firstFd` to 1023, except `keepFd`. Descriptors that are not open
-/// are skipped; those from 1024 on are never closed. A `firstFd` below 0 counts as 0, one above
-/// 1023 closes nothing, and a `keepFd` outside the range keeps nothing.
+/// Closes the file descriptors from `firstFd` to 1023, except one.
 ///
-/// Meant for a child between fork() and exec: it is async-signal-safe. Elsewhere it also closes
-/// what other threads of the process have open.
+///     CloseAllFds(3, statusFd);   // in a forked child, before exec
+///
+/// Descriptors that are not open are skipped. Those from 1024 on stay open. The function is
+/// async-signal-safe and meant for a child between fork() and exec. Elsewhere it also closes the
+/// descriptors of other threads.
+///
+/// @param firstFd the first descriptor to close. A negative number counts as 0; above 1023 the call
+///        closes nothing.
+/// @param keepFd the descriptor to leave open. One outside the range, such as -1, keeps none.
 void CloseAllFds(int firstFd, int keepFd);
 
-/// Starts a program in a session of its own, without a controlling terminal, and returns without
-/// waiting for it to end.
+/// Starts a program in its own session, without a controlling terminal, and returns without waiting
+/// for it to exit.
 ///
-/// `argv` and what the program inherits are as with System(): it shares the caller's standard input
-/// and, without the out-pointers, standard output and error. Where `stdoutFd` (`stderrFd`) is
-/// given, its standard output (error) goes into a new pipe, which ends when the program and
-/// whatever it started have closed it. The call blocks until the program has been executed or has
-/// failed to, and after a failure for up to a second more, in which the child writes its error. It
-/// leaves the action for SIGCHLD alone and may run on any thread.
+///     const char* const argv[] = {"date", nullptr};
+///     int out = -1;
+///     const int pid = GXUtils::SystemNowait(argv, &out);
+///     if (pid > 0) {
+///       // read from `out` until the end of file, then:
+///       close(out);
+///       waitpid(pid, nullptr, 0);
+///     }
 ///
-/// The out-pointers are written on success only, with ordinary blocking descriptors, not
-/// close-on-exec.
+/// No shell is involved. The program is found along `PATH`, unless its name contains "/". It shares
+/// the caller's standard input and, unless a pipe is asked for, the caller's standard output and
+/// error. It inherits no other file descriptor below 1024. The call leaves SIGCHLD alone and may
+/// run on any thread.
 ///
-/// @return the process id, that of a child of the caller, who waits for it and closes the read ends
-///         stored in the out-pointers; or one of the values below
-/// @retval -1 nothing was started: a pipe could not be made or made close-on-exec, or fork failed
-/// @retval -2 the program could not be executed, and its child has been waited for; or this could
-///         not be learnt because the read that waits for it failed or was interrupted by a signal.
-///         That read is not retried, and the program may then be running, left to itself: signal
-///         handlers are best installed with SA_RESTART.
+/// @param argv the program and its arguments, then a null pointer. The array must not be null. One
+///        without a program means the program name "", which does not exist.
+/// @param stdoutFd if not null, receives the read end of a new pipe that carries the program's
+///        standard output. The pipe ends when the program and everything that it started have
+///        closed it. The caller closes the descriptor, which is blocking and not close-on-exec. If
+///        the result is -1 or -2, `*stdoutFd` is unchanged.
+/// @param stderrFd if not null, receives the read end of a new pipe that carries the program's
+///        standard error, under the same conditions.
+/// @return the process id of the program, a child that the caller waits for; or a negative number:
+/// @retval -1 nothing was started: a pipe could not be made or made close-on-exec, or fork()
+///         failed.
+/// @retval -2 the program could not be executed, and its child has been reaped. The same result
+///         means that the read which reports this failed or was interrupted by a signal handler.
+///         The program may then be running unsupervised, so install handlers with SA_RESTART.
 ///
-/// Nothing is logged. A child whose exec failed writes one line to its standard error, the text of
-/// the error in the caller's locale, and exits with status 1. That is the pipe for `stderrFd`,
-/// which is closed and lost with the result -2, or else the caller's own standard error, descriptor
-/// 2: no stream of the caller's is used or written. If the line cannot be written within a second, as
-/// to a full pipe, it is lost.
+/// The call logs nothing. If the program cannot be executed, its child writes the error message and
+/// a newline to its standard error, in the caller's locale, and exits with status 1. The call waits
+/// up to one second for that. If `stderrFd` is not null, the message is lost. docs/processes.md has
+/// the details.
 int SystemNowait(const char* const* argv, int* stdoutFd = nullptr, int* stderrFd = nullptr);
 
-/// The same for a command line, cut as by System().
+/// Starts a command line in its own session and returns without waiting for it to exit.
 ///
-/// @throws GXException code 11, with the translation of "Empty command", when `command` has length
+///     const int pid = GXUtils::SystemNowait("xterm -title Log");
+///     if (pid > 0) {
+///       // later: waitpid(pid, nullptr, 0)
+///     }
+///
+/// SplitCommandLine() splits the command; no shell is involved. The call then does the same as
+/// SystemNowait() with an array, whose comment has all details. It may run on any thread.
+///
+/// @note Pass a name that others chose in an array: quotes and spaces in it would split a command.
+///
+/// @param command the command line. One without arguments, such as one of spaces only, means the
+///        program name "", which does not exist.
+/// @param stdoutFd if not null, receives the read end of a pipe with the program's standard output,
+///        which the caller closes. If the result is -1 or -2, `*stdoutFd` is unchanged.
+/// @param stderrFd if not null, receives the read end of a pipe with the program's standard error.
+///        The same conditions hold.
+/// @return the process id of the program, a child that the caller waits for; or a negative number:
+/// @retval -1 nothing was started: a pipe could not be made or made close-on-exec, or fork()
+///         failed.
+/// @retval -2 the program could not be executed; its child wrote the error message to its standard
+///         error. Or the read which reports this was interrupted, and the program may be running.
+/// @throws GXException with code 11 and the translation of "Empty command" if `command` has length
 ///         0.
 int SystemNowait(std::string command, int* stdoutFd = nullptr, int* stderrFd = nullptr);
 
-/// Tests whether stat() succeeds on `path`.
+/// Tests whether a file exists and can be reached.
 ///
-/// @return whether a file of any kind exists there and can be reached. A symbolic link counts when
-///         its target exists.
+///     CheckFileExist("/etc/passwd")   // true
+///     CheckFileExist("/no/such")      // false
+///
+/// @param path the path of a file of any kind. A symbolic link counts if its target exists.
+/// @return whether stat() succeeds. False may also mean that a directory of the path cannot be
+///         searched.
 bool CheckFileExist(std::string path);
 
-/// Tests one execute bit of `path`, that of the first class which the real user and group id of the
-/// process belong to: owner, group, others. An owner without the owner's bit gets false whatever
-/// the other bits say. Supplementary groups and effective ids do not count, the superuser is not
-/// special, and the kind of file does not matter: a directory that may be searched passes.
+/// Tests whether the execute bit that applies to the caller is set.
 ///
-/// @return that bit; false when stat() fails.
+///     CheckFileExecutable("/bin/sh")       // true
+///     CheckFileExecutable("/etc/passwd")   // false
+///
+/// The call looks at one bit: the owner's if the process has the owner's real user id, else the
+/// group's if it has the group's real group id, else the one for others. So an owner without that
+/// bit gets false, whatever the other bits are.
+///
+/// @note The answer can differ from the result of running the file: effective ids, supplementary
+///       groups, access lists and mount options do not count, and root is not special.
+/// @note A directory that may be searched passes.
+///
+/// @param path the path of a file of any kind; symbolic links are followed.
+/// @return that bit; false if stat() fails.
 bool CheckFileExecutable(std::string path);
 
-/// Finds a program along PATH: the first entry + "/" + `name` that passes the test of
-/// CheckFileExecutable(), exactly as built. Only a leading "/" makes a name absolute: it is then
-/// tested as it is, and PATH is not read. An empty entry of PATH, the only one of an empty PATH,
-/// stands for the root directory, and an empty name finds the first entry that is a searchable
-/// directory. Reads the environment.
+/// Finds a program along `PATH`.
 ///
-/// System() and SystemNowait() do not use it. They may find another file: an empty entry is the
-/// working directory there, effective ids and all groups count, and directories are passed over.
+///     Which("ls")        // "/usr/bin/ls"
+///     Which("/bin/ls")   // "/bin/ls"
+///     Which("no-such")   // ""
 ///
-/// @return the path found; the empty string when there is none or PATH is not set.
+/// The candidates are each entry of `PATH`, "/" and `name`, joined without any change. The first
+/// one that passes the test of CheckFileExecutable() is the result. A name that begins with "/" is
+/// tested as it is. A name with "/" elsewhere is looked up like any other.
+///
+/// @note System() and SystemNowait() may find another file. For them an empty entry of `PATH` is
+///       the working directory, here it is the root directory. They pass over directories, use
+///       effective ids and all groups, and take a name with "/" as a path.
+///
+/// @param name the name of the program. An empty name finds the first directory of `PATH`.
+/// @return the path; the empty string if there is none or `PATH` is not set.
 std::string Which(std::string name);
 
 /// @}
 
 /// @defgroup text Text
-/// Cutting, trimming, joining and comparing.
-///
-/// Characters are bytes; nothing depends on an encoding or, CompareHexStrings() apart, on the
-/// locale.
+/// Functions that split, trim, join and compare byte strings.
 /// @{
 
-/// Cuts a text at every separator byte.
+/// Splits a text at every separator.
 ///
-/// @return the fields, one more than there are separators, empty ones included: joined with the
-///         separator they give the text back. `a::b:` at ':' is `a`, an empty field, `b` and
-///         another empty one.
+///     SplitString("a::b:", ':')   // {"a", "", "b", ""}
+///     SplitString("", ':')        // {""}
+///
+/// @param text the text to split.
+/// @param separator the byte between two fields; may be NUL.
+/// @return the fields, one more than there are separators. Empty fields count, so joining the
+///         fields with the separator gives `text` back.
 std::vector<std::string> SplitString(std::string text, char separator);
 
-/// Trims a text.
+/// Removes given bytes from both ends of a text.
 ///
-/// @return `text` without the bytes at its two ends that are in `set`. An empty set removes
-///         nothing.
+///     Strip("..a.b..", ".")   // "a.b"
+///
+/// @param text the text to trim.
+/// @param set the bytes to remove, in any order. An empty set removes none.
+/// @return `text` from its first to its last byte that is not in `set`; the empty string if there
+///         is no such byte.
 std::string Strip(std::string text, std::string set);
 
-/// Replaces every occurrence of `pattern` in `text` that overlaps none before it, from left to
-/// right; what was inserted is not searched again. An empty pattern changes nothing. Neither
-/// `pattern` nor `replacement` may point into `text`.
+/// Replaces every occurrence of a pattern, in the text itself.
 ///
-/// @return a copy of the rewritten text.
+///     std::string text = "aXbX";
+///     ReplaceInString(text, "X", "--");   // returns "a--b--", and so is text
+///
+/// The search goes from left to right and does not look at inserted bytes again. Replacing "a" by
+/// "aa" in "aaa" gives six bytes.
+///
+/// @note The function changes its argument `text` and also returns a copy of it.
+///
+/// @param text the text that is changed.
+/// @param pattern the bytes to look for; must not point into `text`. An empty pattern changes
+///        nothing.
+/// @param replacement the bytes to insert; must not point into `text`.
+/// @return a copy of the changed text.
 std::string ReplaceInString(std::string& text, const char* pattern, const char* replacement);
 
-/// Assembles lines from a text that arrives in pieces. Lines end with a line feed or with a
-/// carriage return and a line feed, also where a piece ends between the two; other carriage returns
-/// are data.
+/// Collects the lines of a text that arrives in pieces.
 ///
-/// @param tail the unfinished line, kept by the caller between the calls and empty at first. Not
-///        null; `chunk` may point into it. What is left in it at the end of the text is a last line
-///        without a line end. Each call searches it once for line ends that the caller may have put
-///        there, so a line that arrives in very many pieces costs time in the square of their
-///        number. A call that throws leaves it as it was.
-/// @return the lines completed by `chunk`, without their line ends.
+///     std::string tail;
+///     StringLines("one, tw", &tail);        // {}, tail is "one, tw"
+///     StringLines("o\nthree\n\n", &tail);   // {"one, two", "three", ""}, tail is ""
+///
+/// A line ends with a newline, or with a carriage return and a newline, even if they arrive in two
+/// pieces. Any other carriage return is part of its line.
+///
+/// @note The function does not return a last line without a newline. It is in `*tail` at the end of
+///       the text.
+///
+/// @param chunk the next piece of the text, up to its first NUL byte; may point into `*tail`.
+/// @param tail the unfinished line, which the caller keeps between the calls; empty at first. Must
+///        not be null. If the call throws, the tail is unchanged.
+/// @return the lines that `chunk` completes, without their line ends.
 std::vector<std::string> StringLines(const char* chunk, std::string* tail);
 
 /// Writes a number in decimal.
 ///
-/// @return the digits of `value`, after a minus sign for negative ones, and nothing else.
+///     LongToString(-42)   // "-42"
+///
+/// @param value the number.
+/// @return the digits, after a minus sign if `value` is negative.
 std::string LongToString(long value);
 
-/// Stores a list of byte strings in one text that DecodeStringList() reads back.
+/// Stores a list of strings in one text, which DecodeStringList() reads.
 ///
-/// The elements stand in order with the separator between them, followed by a space when it is the
-/// comma or NUL. A separator or backslash inside an element has a backslash before it; every other
-/// byte stands for itself. An empty list is the empty text, and so is a list of one empty element.
-/// With the backslash as separator, which the format cannot have, the text is built the same way: a
-/// list of one element can be read back, one of several cannot.
+///     EncodeStringList({"a,b", "c"}, ',')   // "a\\,b, c"
+///     EncodeStringList({"a", "b;"}, ';')    // "a;b\\;"
 ///
-/// @return the text: `a\,b, c\\d` for the elements `a,b` and `c\d` and the separator ','.
+/// A separator or a backslash inside an element gets a backslash before it. A space follows each
+/// separator that is a comma or NUL.
+///
+/// @note Some lists do not come back: elements lose white space at their ends, a list of one empty
+///       element becomes the empty list, and so does a list of blank elements with a blank
+///       separator.
+///
+/// @param elements the strings to store.
+/// @param separator the byte between two elements. It must not be a backslash: a list of several
+///        elements could then not be read.
+/// @return the text; the empty string for an empty list.
 std::string EncodeStringList(const std::list<std::string>& elements, char separator);
 
-/// Reads back what EncodeStringList() wrote. `*output` is cleared first; `text` is not one of its
-/// elements.
+/// Reads a list of strings from a text of EncodeStringList().
 ///
-/// Each separator that is not escaped ends an element, so that n of them make n + 1 elements, empty
-/// ones included. Elements lose the six white space bytes `" \f\n\r\t\v"` at both ends, also where
-/// they were escaped. A blank text is the empty list: a list of one blank element does not come
-/// back, nor does one of empty elements that a blank separator joins. With the backslash as
-/// separator, every backslash is read as an escape.
+///     std::list<std::string> list;
+///     DecodeStringList("  x ,y\\, z  ,", &list, ',')   // true; list is {"x", "y, z", ""}
+///     DecodeStringList("a,b\\", &list, ',')            // false; list is {"a"}
 ///
-/// @param output not null: that is a programming error and stops the process in every build.
-/// @retval true the whole text was read: `  x ,y\, z  ,` is `x`, `y, z` and an empty element
-/// @retval false a backslash escapes neither a backslash nor the separator, or ends the text: one
-///         line is logged with level 4 ("DecodeStringList: Bad escape sequence" or
-///         "DecodeStringList: Trailing slash") and `*output` keeps the elements that a separator
-///         had closed
+/// Every separator without a backslash before it ends an element, so n separators make n + 1
+/// elements. The six white space bytes (space, form feed, newline, carriage return, tab, vertical
+/// tab) are removed from both ends of an element, escaped or not. A text of white space only is the
+/// empty list.
+///
+/// @param text the text to read; must not be an element of `*output`.
+/// @param output receives the elements; cleared first. Must not be null; a null pointer aborts the
+///        process, in release builds too.
+/// @param separator the byte between two elements.
+/// @retval true the whole text was read.
+/// @retval false a backslash is not followed by a backslash or the separator. `*output` keeps the
+///         elements that ended before it. One line is logged at level 4: "DecodeStringList:
+///         Trailing slash" if the backslash is the last byte, else "DecodeStringList: Bad escape
+///         sequence".
 bool DecodeStringList(const std::string& text, std::list<std::string>* output, char separator);
 
-/// Compares two dotted versions, component by component, as texts of unsigned bytes: "1.10" is
-/// lower than "1.9", "1.0" is lower than "1.0a". A missing component equals the component "0" and
-/// is lower than any other, "00" and the empty one included: "1.2" equals "1.2.0" and is lower than
-/// "1.2.00".
+/// Compares two dotted versions as text, component by component.
 ///
-/// @return below, equal to or above 0, as the first is lower, equal or higher; only the sign
-///         counts.
-/// @throws std::logic_error when an argument is null.
+///     CompareVersions("1.2", "1.3")     // below 0
+///     CompareVersions("1.2", "1.2.0")   // 0
+///     CompareVersions("1.10", "1.9")    // below 0, since "10" is below "9" as text
+///
+/// Two components compare as strings of unsigned bytes. A missing component equals "0" and is lower
+/// than any other, "00" and the empty one included.
+///
+/// @note Components are not numbers: "1.10" is lower than "1.9", and "1.01" is lower than "1.1".
+///
+/// @param first the first version.
+/// @param second the second version.
+/// @return a number below, equal to or above 0 if the first version is lower, equal or higher. Only
+///         the sign has a meaning.
+/// @throws std::logic_error if a version is null.
 int CompareVersions(const char* first, const char* second);
 
-/// Compares two hexadecimal numbers of any length. A leading "0x" (not "0X") and leading zeros do
-/// not count, nor does the case of letters. The digits are not checked: longer is higher, then the
-/// first difference of the bytes decides, lowered by tolower() in the current locale and taken as
-/// unsigned. "0x00FF" equals "ff" and is lower than "100".
+/// Compares two hexadecimal numbers of any length.
 ///
-/// @retval -1 the first is lower
-/// @retval 0 they are equal
-/// @retval 1 the first is higher
+///     CompareHexStrings("0x00FF", "ff")   // 0
+///     CompareHexStrings("ff", "100")      // -1
+///
+/// A prefix "0x", leading zeros and the case of letters do not count. The longer of the remaining
+/// texts is the higher. Texts of the same length compare byte by byte, lowered with tolower().
+///
+/// @note The digits are not checked, and "0X" is not a prefix: "0XFF" is higher than "ff".
+///
+/// @param first the first number.
+/// @param second the second number.
+/// @retval -1 the first number is lower.
+/// @retval 0 the numbers are equal.
+/// @retval 1 the first number is higher.
 int CompareHexStrings(const char* first, const char* second);
 
 /// @}
 
 /// @defgroup encodings Encodings
-/// Character encodings and the case of letters.
+/// Functions that convert between character encodings and lower letters.
 /// @{
 
-/// Converts text from one character encoding to another with iconv().
+/// Converts text from one character encoding to another with one call of iconv().
 ///
-/// The encodings are names that iconv_open() knows; musl knows fewer than glibc. The empty name is
-/// the locale's encoding, with musl UTF-8 in every locale. "UTF-16" and "UCS-2", spelt just so,
-/// mean little-endian code units without a byte order mark; every other name goes to iconv as it
-/// is. `outlen` bytes at `out` are set to zero, then the converted text is written from the first
-/// one on. Nothing tells its length: a caller finds the end at the first zero byte or code unit,
-/// which is missing when the text fills the whole buffer. `outlen` 0 with a null `out` is fine.
+///     char out[8];
+///     GXUtils::Transcode("UTF-8", "UTF-16", "ab", 2, out, sizeof out);
+///     // out holds the bytes 61 00 62 00 00 00 00 00
 ///
-/// Characters that the target does not have are dropped where iconv knows the suffix "//IGNORE".
-/// Elsewhere the conversion stops there, or the C library replaces them (musl by "*", which counts
-/// as not reversible, and in "UCS-2" by U+FFFD, which does not). There is exactly one call of
-/// iconv().
+/// @param from the encoding of the input: a name that iconv_open() accepts. The empty name is the
+///        encoding of the locale. "UTF-16" and "UCS-2", in exactly this spelling, mean
+///        little-endian code units without a byte order mark. Must not be null.
+/// @param to the encoding of the output, named in the same way; must not be null.
+/// @param in the input, which may hold NUL bytes; may be null if `inlen` is 0.
+/// @param inlen the number of bytes of the input.
+/// @param out the buffer, which may be null if `outlen` is 0. It is filled with zeros, then the
+///        converted text is written from its start. The text ends at the first zero byte (in a
+///        16-bit encoding: zero code unit), or at the end of the buffer if it fills it.
+/// @param outlen the size of the buffer in bytes.
+/// @throws std::logic_error if a name is null, before the buffer is changed.
 ///
-/// glibc reports a text in which something was dropped or is invalid as bad input, with exceptions
-/// such as these. Between UTF-8 and the encodings of the UCS-4 family, and within either, values
-/// above the range of Unicode are converted like characters, as surrogates are within that family;
-/// values from 0x80000000 on in UCS-4 vanish, mostly without a line. So do the tag characters,
-/// U+E0000 to U+E007F, where the target does not have them. And a text of more than about 8,000
-/// characters is converted in blocks: a character that the target does not have then ends the
-/// conversion with its block, and an invalid byte vanishes without a line unless it is in the last
-/// block.
-///
-/// Where iconv cannot convert between UTF-8 and the locale's encoding at all (both names empty or
-/// "UTF-8"), the ASCII characters before the first zero byte are kept and all other bytes dropped;
-/// at most `outlen` - 1 bytes of the input are then looked at.
-///
-/// What iconv holds back until a final call is lost, without a line: the last shift of a target
-/// that has shifts (UTF-7, ISO-2022-JP and the like), and a last letter that another one may join
-/// (from CP1255, CP1258 and TCVN, to EUC-JISX0213, BIG5-HKSCS and the like). "a" is the empty text
-/// when it comes from CP1258.
-///
-/// What iconv reports is a line logged with level 2, and what was converted so far stays in the
-/// buffer:
-/// - "iconv: Insufficient space": the text does not fit, or iconv left some of it over
-/// - "iconv: Bad input data": invalid or incomplete input, or something dropped
+/// A conversion that loses text does not fail. The buffer keeps the converted text, and a line is
+/// logged at level 2:
+/// - "iconv: Insufficient space": the text does not fit, or iconv() left some of it unconverted
+/// - "iconv: Bad input data": the input is invalid or incomplete, or a character that the target
+///   encoding does not have was dropped
 /// - "iconv: Non-reversible conversion performed": characters were replaced by others
-/// - "iconv: Unable to convert from X to Y": an encoding is not known, or iconv cannot load it now
-/// - "iconv: Using ASCII truncation fallback": after the line above, where that is what happens
+/// - "iconv: Unable to convert from X to Y": iconv_open() does not know one of the encodings, or
+///   cannot load it now. X and Y are the names that it got, such as UCS-2LE for "UCS-2".
+/// - "iconv: Using ASCII truncation fallback": follows the line above if each name is empty or
+///   "UTF-8". Of the first `outlen` - 1 bytes of the input, the call keeps the ASCII characters
+///   before the first zero byte and drops the others.
 ///
-/// @throws std::logic_error when a name is null, before the buffer is touched.
+/// @note A missing line does not prove that the text is whole. docs/encodings.md lists the losses
+///       that iconv() does not report, above all in texts of more than 8,000 characters.
 void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
                unsigned long outlen);
 
-/// The same for a whole string. The converted text has room for 4 bytes for each byte of `in` and 8
-/// more, which is too little for few texts, such as one of many shifts in ISO-2022-JP.
+/// Converts a string from one character encoding to another.
 ///
-/// @return the converted text up to its first zero byte: for targets without zero bytes (UTF-8, the
-///         locale's encoding, single-byte sets), not for 16-bit ones. Empty when iconv cannot
-///         convert and the ASCII characters are not kept either.
-/// @throws std::length_error when four times the length does not fit into a size.
+///     Transcode("ISO-8859-1", "UTF-8", "gr\374n")   // "grün"
+///     Transcode("UTF-8", "ISO-8859-1", "5 €")       // "5 ", and logs "iconv: Bad input data"
+///
+/// @note The result ends at the first zero byte, so it is useless for 16-bit targets such as
+///       "UTF-16". Use the form with a buffer for these.
+///
+/// @param from the encoding of the input: a name that iconv_open() accepts. The empty name is the
+///        encoding of the locale. "UTF-16" and "UCS-2", in exactly this spelling, mean
+///        little-endian code units without a byte order mark. Must not be null.
+/// @param to the encoding of the result, named in the same way; must not be null.
+/// @param in the text to convert, which may hold NUL bytes.
+/// @return the converted text up to its first zero byte. A text of more than four bytes for each
+///         byte of `in`, and eight more, is cut. If iconv_open() does not know an encoding, the
+///         result is the empty string. Between UTF-8 and the encoding of the locale it is then the
+///         ASCII characters of `in`.
+/// @throws std::logic_error if a name is null.
+/// @throws std::length_error if four times the length of `in` is too large for a size.
+///
+/// A conversion that loses text does not fail, and a line is logged at level 2: "iconv:
+/// Insufficient space", "iconv: Bad input data", "iconv: Non-reversible conversion performed",
+/// "iconv: Unable to convert from X to Y" or "iconv: Using ASCII truncation fallback". The comment
+/// of the form with a buffer has their meanings. A missing line does not prove that the text is
+/// whole: docs/encodings.md lists the losses that iconv() does not report.
 std::string Transcode(const char* from, const char* to, std::string in);
 
-/// Lowers the letters of a UTF-8 text as towlower() of the current locale does: letters outside
-/// ASCII as well in a UTF-8 locale, with musl in every locale.
+/// Lowers the letters of a UTF-8 text, as towlower() does in the current locale.
 ///
-/// The result ends at the first NUL character. Characters outside the Basic Multilingual Plane and
-/// invalid bytes are dropped, replaced or end it, as with Transcode(), and a text that grows by
-/// more than two bytes (a lower-case letter can be longer) is cut at a character: Transcode(),
-/// which converts to "UCS-2" and back, logs such problems. There is no ASCII fallback.
+///     ToLower("GRÜN")   // "grün" in a UTF-8 locale, "grÜn" in the locale "C"
 ///
-/// @return the lowered text; the empty string where iconv cannot convert at all.
-/// @throws std::length_error as Transcode().
+/// @note The result ends at the first NUL byte. Characters above U+FFFF and invalid bytes are
+///       dropped; in a text of more than 8,000 characters they may end the result. Lower-case
+///       letters can be longer: a result of more than two bytes above the length of `text` is cut
+///       at a character.
+///
+/// @param text the text in UTF-8.
+/// @return the lowered text; the empty string if iconv() cannot convert between UTF-8 and UCS-2.
+/// @throws std::length_error if twice the length of `text` is too large for a size.
+///
+/// The call converts to UCS-2 and back with Transcode(), which logs losses at level 2, as "iconv:
+/// Bad input data" or "iconv: Insufficient space". docs/encodings.md has the details.
 std::string ToLower(std::string text);
 
 /// @}
 
 /// @defgroup codecs Codecs
-/// Base64, hexadecimal text and SHA-256.
+/// Functions for Base64, hexadecimal text and SHA-256.
 /// @{
 
-/// Encodes bytes as Base64 (RFC 4648, section 4): padded with "=", without line breaks.
+/// Encodes a string as Base64, with padding and without line breaks.
 ///
-/// @return the text, 4 characters for every 3 bytes begun.
+///     Base64Encode("Hello")   // "SGVsbG8="
+///
+/// @param data the bytes to encode.
+/// @return the text, four characters for each three bytes or rest of three.
 std::string Base64Encode(std::string data);
 
-/// The same for the `len` bytes at `data`, which may be null when `len` is 0. They stay the
-/// caller's and are not changed.
+/// Encodes an array of bytes as Base64, with padding and without line breaks.
 ///
-/// @throws std::length_error, before anything is read, when no string can hold the text, as with a
-///         -1 that was cast.
+///     const unsigned char data[] = {0xFF, 0x00};
+///     Base64Encode(data, sizeof data)   // "/wA="
+///
+/// @param data the bytes to encode; may be null if `len` is 0.
+/// @param len the number of bytes.
+/// @return the text, four characters for each three bytes or rest of three.
+/// @throws std::length_error if the text is too long for a string, before `data` is read.
 std::string Base64Encode(const unsigned char* data, unsigned long len);
 
-/// Decodes Base64 text (RFC 4648, section 4), strictly as to its length and characters, leniently
-/// as to its padding: `TWFu` is "Man", `TQ==` and `TR==` are "M", `QQ==QQ==` is "AA", `A===` is the
-/// byte 0x04.
+/// Decodes Base64 text.
 ///
-/// "=" may stand anywhere and counts as a digit with the value 64: it leaves out the second byte of
-/// its group where it is the third character and the third byte where it is the fourth, and
-/// elsewhere adds what is left of its value in the low 8 bits of a byte. It does not end the
-/// decoding; the groups after it are decoded as well. Bits that padding leaves over need not be
-/// zero.
+///     Base64Decode("SGVsbG8=")   // "Hello"
+///     Base64Decode("SGVsbG8")    // "", since the length is not a multiple of 4
 ///
-/// @return the bytes; the empty string for a text whose length is not a multiple of 4 or that holds
-///         a byte which is neither a Base64 digit nor "=", such as a line break, and for the empty
-///         text.
+/// @note Malformed and empty text both give the empty string. Line breaks make a text malformed.
+/// @note Several texts decode to the same bytes. "=" may stand anywhere and counts as a digit of
+///       the value 64: "QQ==QQ==" is "AA", "A===" is the byte 0x04. Unused bits need not be zero:
+///       "TQ==" and "TR==" are both "M".
+///
+/// @param text the text to decode.
+/// @return the bytes; the empty string if the length is not a multiple of 4, or if a byte is
+///         neither a Base64 digit nor "=".
 std::string Base64Decode(std::string text);
 
-/// Turns pairs of hexadecimal digits, of either case and any number, into the bytes that they
-/// spell.
+/// Converts pairs of hexadecimal digits to bytes.
 ///
-/// A pair is read as strtol() reads a text of two characters in base 16: white space of the current
-/// locale or a sign may stand in for the first digit, as in " a", "+a" (both 0x0A) and "-1" (0xFF,
-/// the low 8 bits of the number), and a NUL byte ends a pair early. White space after a digit is
-/// refused.
+///     HexASCIIToString("48656c6C6F")   // "Hello"
+///     HexASCIIToString("48656")        // "", since the length is odd
 ///
-/// @return the bytes, "Hello" for `48656c6c6f`; the empty string for a text of odd length or with a
-///         pair that strtol() does not read to its end, and for the empty text.
+/// @note Malformed and empty text both give the empty string.
+/// @note strtol() reads each pair. So white space or a sign may replace the first digit: " a" and
+///       "+a" are the byte 0x0A, "-1" is 0xFF. A NUL byte ends a pair early.
+///
+/// @param hex the digits, in either case.
+/// @return the bytes; the empty string if the length is odd, or if strtol() does not read a pair to
+///         its end.
 std::string HexASCIIToString(std::string hex);
 
-/// Computes the SHA-256 digest (FIPS 180-4) of all bytes of `data`.
+/// Computes a SHA-256 digest.
 ///
-/// @param digest receives the 32 bytes of the digest; not null.
+///     unsigned char digest[32];
+///     SHA256Digest("abc", digest);   // ba 78 16 bf ... 15 ad
+///
+/// @param data the bytes, NUL bytes included.
+/// @param digest receives the 32 bytes of the digest; must not be null.
 void SHA256Digest(const std::string& data, unsigned char* digest);
 
 /// @}
 
 /// @defgroup host Files, users and the host
-/// Directories and temporary files, the user's name and home, the desktop, the host's speed.
-///
-/// Paths are handed to the system as they are: nothing is normalised, resolved or converted.
+/// Functions for directories, temporary files, the user, the desktop and the host.
 /// @{
 
-/// Makes sure that something exists at `path`, a directory by default: what is missing is made with
-/// mode 0755 less the umask. Anything that exists there counts, a file included. Symbolic links are
-/// followed; one without a target is in the way.
+/// Makes sure that a path exists, and creates a directory if it does not.
 ///
-/// @param path absolute. Without `recursive`, a relative path counts from the working directory.
-///        With it, one that does not exist there hangs on the root directory: what stands before
-///        its first "/" is dropped, and a path without one, the empty one included, is kept whole.
-/// @param recursive makes every missing directory above `path` as well, from the root on.
-/// @retval true what `path` stands for exists now
-/// @retval false a directory could not be made, with errno of that mkdir(); the ones made before
-///         stay. Also where another process makes the same directory at the same moment.
+///     CheckCreateDir("/tmp/demo", false)      // true
+///     CheckCreateDir("/tmp/demo/a/b", true)   // true, also creates /tmp/demo/a
+///
+/// New directories have mode 0755, less the umask. Symbolic links are followed; one without a
+/// target is an obstacle.
+///
+/// @note Anything that exists counts: the result is true if `path` is a file.
+/// @note With `recursive`, a relative path that does not exist counts from the root directory: its
+///       part before the first "/" is dropped, and "x" means "/x". Without it, the path counts from
+///       the working directory.
+///
+/// @param path the absolute path of the directory.
+/// @param recursive whether to create the missing directories above it as well.
+/// @retval true the path exists now.
+/// @retval false a directory could not be created, and `errno` has the reason. Directories created
+///         before it stay. The result is also false if another process creates one at that moment
+///         (EEXIST).
 bool CheckCreateDir(std::string path, bool recursive);
 
-/// Creates an empty file with a new name in /tmp: "/tmp/", `name` and six characters, mode 0600.
+/// Creates a new empty file in /tmp with mode 0600.
 ///
-/// The template, "/tmp/", `name` and "XXXXXX", is cut to 511 bytes. So a `name` of more than 500
-/// bytes, or with a NUL byte, is refused, unless what is left of it happens to end in "XXXXXX". One
-/// with "/" in it names a file in a directory below /tmp, which has to exist; with ".." in it, that
-/// leads out of /tmp. The file is the caller's to remove.
+///     int fd = -1;
+///     const std::string path = GXUtils::GenerateTempFile("draft", &fd);
+///     if (!path.empty()) {
+///       // path is like "/tmp/draftri1H4v"; write to fd, then:
+///       close(fd);
+///       unlink(path.c_str());
+///     }
 ///
-/// @param fd receives the descriptor, open for reading and writing and not close-on-exec, which is
-///        the caller's from then on; -1 on failure. Null: the file is closed.
-/// @return the path; the empty string on failure.
+/// The path is "/tmp/", `name` and six characters that make it unique. `TMPDIR` does not count. The
+/// caller closes the descriptor and removes the file.
+///
+/// @param name the first part of the name of the file, at most 500 bytes, without a NUL byte. A
+///        name with "/" means a file in a directory below /tmp, which must exist; ".." in it leads
+///        out of /tmp.
+/// @param fd if not null, receives the file descriptor, open for reading and writing and not
+///        close-on-exec; -1 on failure. If null, the file is closed.
+/// @return the path; the empty string if the file could not be created, and `errno` has the reason
+///         (EINVAL for a name that is too long or has a NUL byte).
 std::string GenerateTempFile(std::string name, int* fd);
 
-/// Removes a file, or a symbolic link itself, with unlink(). Nothing is truncated.
+/// Removes a file, or a symbolic link itself.
 ///
-/// @retval 0 it is removed
-/// @retval -1 it is not, with errno set; so for a directory
+///     UnlinkOrTruncate("/tmp/draftri1H4v")   // 0
+///
+/// @note The function does not truncate, and a directory is an error.
+///
+/// @param path the path of the file; must not be null.
+/// @retval 0 the file is removed.
+/// @retval -1 it is not, and `errno` has the reason.
 int UnlinkOrTruncate(const char* path);
 
-/// The temporary directory of a platform that has one of its own.
+/// Returns the temporary directory of platforms that have their own.
 ///
-/// @return the empty string: POSIX systems have none.
+///     winGetTempDir()   // ""
+///
+/// @return the empty string, as POSIX systems have none.
 std::string winGetTempDir();
 
-/// The home directory: the value of HOME as it is, the empty string when it is not set. Only where
-/// HOME is "/", it is the one that the password database has for `user` (a name in UTF-8, as
-/// calcRunningUser() gives it), or "/root" for an unknown user.
+/// Returns the home directory, and creates the client's directory ".gannorex" in it.
 ///
-/// Each call makes the per-user directory ".gannorex" in it where nothing of that name is there,
-/// with CheckCreateDir(), which makes none of the directories above it; an empty home stands for
-/// the root directory there. That this fails is not reported. Reads the environment and the
-/// password database with calls that are not reentrant: not to be called while another thread uses
-/// either. The name is converted by Transcode(), which logs what it cannot convert.
+///     // with HOME=/home/ann
+///     calcHomeDir("ann")   // "/home/ann"; /home/ann/.gannorex exists now
+///
+/// The result is the value of `HOME`, unchanged. Only if that is "/", the password database
+/// decides.
+///
+/// @note Each call creates ".gannorex" if it does not exist, but not the directories above it. The
+///       function does not report that this failed. An empty home means the root directory here.
+///
+/// @param user the user's name in UTF-8, as calcRunningUser() returns it; used only if `HOME` is
+///        "/".
+/// @return the value of `HOME`; the empty string if it is not set. If it is "/", the home directory
+///         of `user` in the password database, or "/root" for an unknown user.
+///
+/// Call from one thread at a time, while no other thread changes the environment or reads the
+/// password database. Transcode() converts the name and logs losses.
 std::string calcHomeDir(std::string user);
 
-/// The name of the running user in UTF-8: the first of LOGNAME, USERNAME and USER that is set, also
-/// to the empty string; else the login name of the real user id; else the empty string. Not to be
-/// called while another thread uses the environment or the password database; logs as
-/// calcHomeDir().
+/// Returns the name of the running user in UTF-8.
+///
+///     // with LOGNAME=ann
+///     calcRunningUser()   // "ann"
+///
+/// @note The environment is believed, so the name does not prove who the user is.
+///
+/// @return the first of `LOGNAME`, `USERNAME` and `USER` that is set, even if it is empty; else the
+///         login name of the real user id; the empty string if it has none.
+///
+/// Call from one thread at a time, while no other thread changes the environment or reads the
+/// password database. Transcode() converts the name from the encoding of the locale and logs
+/// losses.
 std::string calcRunningUser();
 
-/// Makes a path of the installation a full one.
+/// Puts the installation prefix before a relative path.
 ///
-/// @return `path` when it begins with "/", otherwise `gxclient_prefix` + "/" + `path`, which is
-///         rooted at "/" until the client has set the prefix. `lib/x` is `/opt/app/lib/x` with the
-///         prefix `/opt/app`.
+///     // with gxclient_prefix = "/opt/app"
+///     AddPathPrefix("lib/x")    // "/opt/app/lib/x"
+///     AddPathPrefix("/etc/x")   // "/etc/x"
+///
+/// @note The path is not normalised: ".." may lead out of the prefix. While `gxclient_prefix` is
+///       empty, "lib/x" becomes "/lib/x".
+///
+/// @param path an absolute or relative path.
+/// @return `path` if it begins with "/", else `gxclient_prefix`, "/" and `path`.
 std::string AddPathPrefix(std::string path);
 
-/// Asks the desktop's file manager to show a file or directory, through the client's
-/// osxShowInFileManager(), which is called on every platform.
+/// Shows a file or directory in the desktop's file manager.
 ///
-/// @return its status, unchanged: 0 when the file is shown. support/osx_show_in_file_manager.h
-///         lists the rest and says how long the call may block.
+///     ShowInFileManager("/home/ann/report.pdf")   // 0 if it is shown
+///
+/// The function calls the client's osxShowInFileManager(), on every platform, and returns its
+/// result. The values below are those of the default implementation, which blocks for up to 10
+/// seconds. It may run on any thread.
+///
+/// @param path the file or directory. A relative path counts from the working directory.
+/// @retval 0 the file manager shows it, or a program that will show it was started.
+/// @retval 1 the path does not exist or cannot be reached.
+/// @retval 2 a program, session bus or display that could show it is missing.
+/// @retval 3 the file manager did not answer; it may still show the path.
 int ShowInFileManager(const std::string& path);
 
-/// A rough figure for the speed of the host: the sum of the integer parts of the "bogomips" lines
-/// in /proc/cpuinfo, one for each processor, where what is not a number counts as 0. Numbers and
-/// sums beyond the range of int are its nearest end.
+/// Returns a rough figure for the speed of the host.
 ///
-/// @return the sum; -1 where the file cannot be read or has no such line (macOS, some processors).
+///     GetBogoMips()   // 19200 with four processors of 4800.00
+///
+/// @return the sum of the "bogomips" values of all processors in /proc/cpuinfo, each without its
+///         fraction. The sum is at most INT_MAX. -1 if the file cannot be read or has no such line,
+///         as on macOS and with some processors.
 int GetBogoMips();
 
 /// @}
@@ -474,19 +674,26 @@ int GetBogoMips();
 
 struct Exportdata;
 
-/// Reads an option that lists NFS exports: path "," mode, and further pairs after one more ","
-/// each. The mode is exactly "ro", "rw" or "disabled". Inside a field, `\,` stands for a comma and
-/// `\\` for a backslash; any other backslash stands for itself. A last field of the byte 0xFF alone
-/// counts as empty. `/home/ann,rw,/media/usb,ro` makes the records (`/home/ann`, 2) and
-/// (`/media/usb`, 1).
+/// Reads an option that lists NFS exports.
+///
+///     std::vector<Exportdata*> exports;
+///     parse_nfs_export_option("/home/ann,rw,/media/usb,ro", exports);
+///     // returns 1; exports are {"/home/ann", 2} and {"/media/usb", 1}
+///     for (const Exportdata* record : exports) delete record;
+///
+/// The option is a list of pairs, path and mode, with commas between all fields. A backslash before
+/// a comma or a backslash makes it part of the field. The modes are "ro" (access 1), "rw" (2) and
+/// "disabled" (0), in exactly this spelling.
+///
+/// @note The records are the caller's to delete, whatever the result. The vector is cleared first,
+///       and the records that it pointed to are not deleted.
 ///
 /// @ingroup host
-/// @param exports is emptied first; the records it pointed to are not deleted. Receives one record
-///        a pair, in order, valid or not; they are made with new and the caller's to delete. Access
-///        is 1 for "ro", 2 for "rw", and 0 for "disabled", for another word and without a mode. An
-///        empty path makes a record with access 0 and has no mode: what follows its comma is the
-///        next path. An empty option, or the end of one after a comma, is an empty path. After an
-///        exception the records made before it are in the vector.
-/// @retval 1 every pair was valid; an empty path does not count against it
-/// @retval 0 at least one was not
+/// @param option the option. Its paths are not checked. An empty path has no mode: the next field
+///        is a path again. An empty option, or one that ends in a comma, has an empty path at its
+///        end. A last field of the single byte 0xFF counts as empty.
+/// @param exports receives one record for each pair, in order, valid or not. An invalid pair and an
+///        empty path have access 0. After an exception, the vector has the records made before it.
+/// @retval 1 every pair was valid. An empty path counts as valid.
+/// @retval 0 a mode is missing or unknown.
 int parse_nfs_export_option(std::string option, std::vector<Exportdata*>& exports);

@@ -1,11 +1,12 @@
+/// @file
+/// The record of an NFS export.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-/// One export of a file system.
+/// One NFS export, a record of parse_nfs_export_option().
 struct Exportdata {
-  /// The path as the option names it, its escapes resolved.
-  std::string path;
-  std::int32_t access = 0;  ///< 0: not exported, 1: read-only, 2: read-write
+  std::string path;         ///< The exported path, without its escapes.
+  std::int32_t access = 0;  ///< 0: not exported, 1: read-only, 2: read-write.
 };

@@ -1,12 +1,14 @@
 /// @file
-/// Where the client is installed.
+/// The installation prefix of the client.
 #pragma once
 
 #include <string>
 
-/// The installation prefix: the directory under which the client's own relative paths are found,
-/// as AddPathPrefix() puts it in front of them. Empty until the client sets it, which it does after
-/// static initialisation.
+/// The installation prefix: the directory that GXUtils::AddPathPrefix() puts before relative paths.
 ///
-/// Read without a lock: a client that changes it keeps the threads that read it away meanwhile.
+///     gxclient_prefix = "/opt/app";
+///     GXUtils::AddPathPrefix("lib/x");   // "/opt/app/lib/x"
+///
+/// The prefix is empty until the client sets it. Set it after static initialisation, while no other
+/// thread calls AddPathPrefix(): it is read without a lock.
 extern std::string gxclient_prefix;

@@ -1,19 +1,30 @@
+/// @file
+/// The exception of the client.
 #pragma once
 
 #include <stdexcept>
 #include <string>
 
-/// The client's exception: an error code and a message.
+/// The exception of the client: an error code and a message.
 ///
-/// The module throws it for an empty command only: code 6 from System(), code 11 from
-/// SystemNowait().
+///     try {
+///       GXUtils::System(command);
+///     } catch (const GXException& error) {
+///       std::cerr << error.code() << ": " << error.what();   // 6: Empty command
+///     }
+///
+/// The library throws it if a command has length 0: with code 6 from GXUtils::System(), with code
+/// 11 from GXUtils::SystemNowait().
 class GXException : public std::runtime_error {
  public:
-  /// An exception with this code and message. what() returns the message up to its first NUL byte.
+  /// Makes an exception.
+  ///
+  /// @param code the error code.
+  /// @param message the message, which what() returns up to its first NUL byte.
   GXException(int code, std::string message);
   ~GXException() override;
 
-  /// The code given at construction.
+  /// Returns the error code.
   int code() const noexcept;
 
  private:

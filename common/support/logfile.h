@@ -1,22 +1,29 @@
 /// @file
-/// The client's log.
+/// The log of the client.
 #pragma once
 
 #include <string>
 
-/// The client's log. The module calls Log() on the one global object `logfile` and nothing else.
+/// The log of the client. The library calls Log() on the object `logfile`.
+///
+/// A client may define this class and the object itself; docs/linking.md has the few lines. The
+/// comments here describe the default implementation.
 class Logfile {
  public:
-  /// Writes one line to the standard error stream: the time in UTC, the level and the message, as
-  /// in "2025-01-31T12:00:00Z [2] Command x not found". Line feeds and carriage returns inside the
-  /// message are written as "\n" and "\r", so that a call is always one line. The module uses the
-  /// levels 2 and 4; they are written and mean nothing here.
+  /// Writes one line to the standard error stream.
   ///
-  /// May be called from several threads at once: their lines do not mix. Not while another thread
-  /// changes the environment, where the C library looks for the time zone. A line that cannot be
-  /// written is lost without notice, but SIGPIPE ends a client that does nothing about it.
+  ///     logfile.Log("Command x not found", 2);
+  ///     // 2025-01-31T12:00:00Z [2] Command x not found
+  ///
+  /// The line has the time in UTC, the level and the message. Newlines and carriage returns inside
+  /// the message are written as "\n" and "\r", so each call writes exactly one line. Several
+  /// threads may call Log() at once, while no thread changes the environment. A line that cannot be
+  /// written is lost, but SIGPIPE kills a client that leaves it at its default action.
+  ///
+  /// @param message the text of the line.
+  /// @param level the level. The library uses 2 for programs and encodings, 4 for stored lists.
   void Log(std::string message, int level);
 };
 
-/// The log of the process. Usable during static initialisation.
+/// The log of the process. It may be used during static initialisation.
 extern Logfile logfile;

@@ -4,28 +4,26 @@
 
 #include <string>
 
-/// Shows the file or directory at `path`, selected, in the desktop's file manager. Named for the
-/// system where it came from; it works on all of them.
+/// Shows a file or directory, selected, in the desktop's file manager.
 ///
-/// On macOS it runs `open -R`. Elsewhere `dbus-send` asks the file manager through the interface
-/// org.freedesktop.FileManager1 (freedesktop.org, File Manager DBus Interface), where the session
-/// has a bus. Where that fails, `xdg-open` opens the directory that holds the item, provided
-/// DISPLAY or WAYLAND_DISPLAY is set and not empty; it and the file manager it becomes run detached
-/// from the client. The programs are found along PATH, get no descriptor of the client and write
-/// nothing to its streams.
+///     osxShowInFileManager("/home/ann/report.pdf")   // 0 if it is shown
 ///
-/// A relative path counts from the working directory. The path ends at its first NUL byte; every
-/// other byte is part of a name, whatever the encoding.
+/// The function works on every platform, despite its name. On Linux it asks the file manager with
+/// `dbus-send`, through the interface org.freedesktop.FileManager1, if the session has a bus. If
+/// that fails and `DISPLAY` or `WAYLAND_DISPLAY` is set, `xdg-open` opens the directory that holds
+/// the item. On macOS the function runs `open -R`.
 ///
-/// @retval 0 shown, or `xdg-open` was started
-/// @retval 1 there is nothing at `path`, or it cannot be reached; a dangling symbolic link is
-///         something
-/// @retval 2 no program, bus or display was there to show it, or a program failed
-/// @retval 3 no answer in time, or the file manager ended before it answered. It may still show the
-///         item, so nothing else was tried.
+/// The programs are found along `PATH`, inherit no file descriptor of the client and write to none
+/// of its streams. The call blocks for up to 5 seconds for an answer of the file manager, or 10 if
+/// the bus itself does not answer. It leaves SIGCHLD alone and leaves no child of the client
+/// behind. It may run on any thread, while no thread changes the environment. A client may define
+/// this function itself; docs/linking.md shows how.
 ///
-/// Blocks until the file manager has answered: for 5 seconds at the most, or 10 where the bus
-/// itself does not answer. Leaves no child behind, whatever the client does about SIGCHLD, whose
-/// action it does not touch. May run on any thread, but not while another one changes the
-/// environment.
+/// @param path the file or directory, up to its first NUL byte, in any encoding. A relative path
+///        counts from the working directory.
+/// @retval 0 the file manager shows it, or `xdg-open` or `open` was started.
+/// @retval 1 the path does not exist or cannot be reached. A symbolic link without a target exists.
+/// @retval 2 a program, session bus or display that could show it is missing, or a program failed.
+/// @retval 3 the file manager did not answer in time, or exited before it answered. It may still
+///         show the item, so the call tried nothing else.
 int osxShowInFileManager(const std::string& path);

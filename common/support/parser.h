@@ -1,36 +1,43 @@
+/// @file
+/// The reader of lists of fields.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-/// A reader over its own copy of a text, with the byte at hand to look at.
+/// Reads the fields of a list with commas between them. It holds its own copy of the text.
 ///
-/// Lists of fields are written with a comma between them; `\,` and `\\` stand for a comma and a
-/// backslash that belong to the field. A backslash before any other byte, or at the end of the
-/// text, stands for itself.
+///     Parser parser("a\\,b,c");
+///     std::string field;
+///     parser.parse_comma_escaped_string(field);   // 1; field is "a,b", current is ','
+///     parser.advance();
+///     parser.parse_comma_escaped_string(field);   // 1; field is "c", current is -1
 ///
-/// `current` is -1 for two things, the end of the text and the byte 0xFF. A field goes on over the
-/// bytes 0xFF in it; only where such a byte is the last one of the text and a whole field, it is
-/// taken for the end and that field is not read.
+/// A backslash before a comma or a backslash makes it part of the field. Any other backslash is
+/// ordinary data.
+///
+/// @note `current` is -1 at the end of the text, and also at a byte 0xFF. Such a byte is part of
+///       its field, unless it is the whole last field: that one counts as empty.
 class Parser {
  public:
-  /// Stands at the first byte of `source`. Of a text longer than 2^32 - 1 bytes, which is what
-  /// `pos` can count, the rest is cut off.
+  /// Begins to read a text, at its first byte.
+  ///
+  /// @param source the text. Bytes after the first 4,294,967,295 are dropped.
   explicit Parser(std::string source);
 
-  /// Moves one byte on. At the end of the text `current` becomes -1 and `pos` stays.
+  /// Moves to the next byte. At the end of the text, `current` becomes -1 and `pos` is unchanged.
   void advance();
 
-  /// Reads one field, from the byte at hand to the next comma that is not escaped or to the end of
-  /// the text, and stands there afterwards: `current` is ',' or -1.
+  /// Reads a field, from the current byte to the next comma or to the end of the text.
   ///
-  /// @param out receives the field with its escapes resolved; its former content is replaced.
-  /// @retval 1 a field was read
-  /// @retval 0 the field has no byte, and `out` is empty
+  /// Afterwards `current` is the comma, which the call does not skip, or -1 at the end.
+  ///
+  /// @param out receives the field without its escapes.
+  /// @retval 1 a field was read.
+  /// @retval 0 the field is empty, and so is `out`.
   int parse_comma_escaped_string(std::string& out);
 
-  /// The text being read.
-  std::string text;
-  std::uint32_t pos;  ///< the index of the next byte to read; the byte at hand is the one before it
-  int current;        ///< the byte at hand as a signed char, negative from 0x80 on
+  std::string text;   ///< The text being read.
+  std::uint32_t pos;  ///< The index of the next byte, one after the current byte.
+  int current;        ///< The current byte as a signed char, negative from 0x80 on; -1 at the end.
 };
