@@ -39,3 +39,9 @@ endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/gxclient.pc.in gxclient.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/gxclient.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+
+# The pages for the developer of a client come with the headers.
+foreach(page guide linking processes encodings untrusted-input)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/${page}.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev)
+endforeach()
