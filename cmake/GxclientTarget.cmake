@@ -30,7 +30,7 @@ endfunction()
 # to the target: a client keeps its own flags.
 function(gxclient_configure_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
-  # Shared libraries export what is public, also in the build of a client that hides its own symbols.
+  # Shared libraries export the public names, also in the build of a client that hides its own symbols.
   # Inline functions are private ones: each library and program has its own.
   set_target_properties(${target} PROPERTIES
     CXX_EXTENSIONS OFF

@@ -43,9 +43,9 @@ constexpr std::array<Byte, 256> MakeValueTable() {
 constexpr std::array<Byte, 256> kValues = MakeValueTable();
 static_assert(kValues['='] == kPad, "\"=\" counts with its position in the arithmetic");
 
-// For each of the four characters of a group its six bits, shifted to their place in the group's 24
-// bits, so that "or" joins them. These are the upper 24: kSpecial, for "=" and what is not in the
-// alphabet, is one of the lower eight.
+// The six bits of each of the four characters of a group, shifted to their place in the upper 24
+// bits of a word, so that "or" joins them. kSpecial, for "=" and characters outside the alphabet, is
+// one of the lower eight bits.
 using GroupTable = std::array<std::array<std::uint32_t, 256>, 4>;
 constexpr std::uint32_t kSpecial = 1;
 
@@ -123,8 +123,8 @@ std::uint32_t JoinGroup(const Byte* in) {
   return kGroups[0][in[0]] | kGroups[1][in[1]] | kGroups[2][in[2]] | kGroups[3][in[3]];
 }
 
-// Decodes a group that may hold "=", which counts as the digit 64 wherever it stands, on purpose.
-// Returns the end of the output; null for a character outside the alphabet.
+// Decodes a group that may hold "=". Stored data relies on "=" as the digit 64 in every place.
+// Returns the end of the output, or null for a character outside the alphabet.
 char* DecodeSpecial(const Byte* in, char* out) {
   const unsigned d[] = {kValues[in[0]], kValues[in[1]], kValues[in[2]], kValues[in[3]]};
   if (std::find(d, d + 4, kNoValue) != d + 4) return nullptr;

@@ -33,7 +33,7 @@ const char* Normalised(const char* name) {
 struct Conversion {
   bool opened = false;
   std::size_t result = 0;  // of iconv()
-  int error = 0;           // errno where that is kIconvFailed
+  int error = 0;           // errno if that is kIconvFailed
   std::size_t inputLeft = 0;
   std::size_t written = 0;
 };
@@ -73,8 +73,8 @@ class IconvDescriptor {
   iconv_t descriptor_;
 };
 
-// Converts with the target that drops what it cannot hold, or if that is refused with the plain one.
-// The text that iconv() holds back for a final call is lost: callers rely on one call. The
+// Converts with the target that drops the characters it lacks, or with the plain target if iconv
+// refuses that one. There is one call, so text that iconv() holds back for a final call is lost. The
 // descriptors are closed when this returns.
 Conversion ConvertOnce(const char* from, const char* to, const char* in, std::size_t inlen,
                        char* out, std::size_t outlen) {
@@ -159,7 +159,7 @@ std::size_t LowerUnits(char* bytes, std::size_t size) {
 
 void Transcode(const char* from, const char* to, const void* in, unsigned long inlen, void* out,
                unsigned long outlen) {
-  const std::string source = Normalised(from);  // copies: a name may stand in `out`
+  const std::string source = Normalised(from);  // copies: a name may be part of `out`
   const std::string target = Normalised(to);
   char nothing = '\0';  // iconv() aborts on a null output and takes a null input for a reset
   const char* text = inlen == 0 ? &nothing : static_cast<const char*>(in);
@@ -172,7 +172,7 @@ std::string Transcode(const char* from, const char* to, std::string in) {
   Buffer out(in.size(), 4, 8);
   const std::size_t written = ConvertAndLog(Normalised(from), Normalised(to), in.data(), in.size(),
                                             out.Bytes(), out.Size());
-  in.assign(out.Bytes(), strnlen(out.Bytes(), written));  // often fits where the input was
+  in.assign(out.Bytes(), strnlen(out.Bytes(), written));  // often fits into the memory of the input
   return in;
 }
 

@@ -80,7 +80,7 @@ int SumBogoMips(std::FILE* stream) {
   constexpr char kKey[] = "bogomips";
   int sum = 0;
   bool found = false;
-  // A longer line counts as pieces of 255 bytes, each a line of its own.
+  // A longer line counts as several lines of at most 255 bytes.
   char line[256];
   while (std::fgets(line, sizeof line, stream) != nullptr) {
     if (std::strncmp(line, kKey, sizeof kKey - 1) != 0) continue;

@@ -126,8 +126,8 @@ void LimitLifetime(unsigned seconds) {
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   const int error = errno;
   (void)!write(pipes.status.writeEnd.Get(), "e", 1);
-  // The parent waits for this child, which could wait for ever: for a lock, or to write to a full
-  // pipe that the parent itself reads.
+  // The parent waits for this child, which could hang: in a lock, or writing to a full pipe that only
+  // the parent reads.
   LimitLifetime(kLongestErrorReport);
   WriteLine(STDERR_FILENO, errorTexts.Get(error));
   _exit(kDetachedExecFailedStatus);

@@ -86,7 +86,7 @@ void ReplaceInPlace(std::string& text, std::size_t found, std::string_view wante
   text.resize(end);
 }
 
-// Cuts `text` into `lines`, each without its line end. Returns the size of what it has cut.
+// Appends the lines of `text`, each without its line end. Returns the size of the part with lines.
 std::size_t CutLines(std::string_view text, std::vector<std::string>& lines) {
   std::size_t start = 0;
   for (;;) {

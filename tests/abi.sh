@@ -1,8 +1,8 @@
 #!/bin/sh
-# Compares what the shared libraries export with the list in common/exported_symbols. A name that is gone
-# breaks the clients of earlier versions; a new one is a promise and goes into the list on purpose.
-# Weak functions are instances of templates, but for those that a client may define itself. The names
-# are those of libstdc++.
+# Compares the symbols that the shared libraries export with the list in common/exported_symbols. A
+# missing name breaks the clients of earlier versions. A new one is a promise and goes into the list
+# deliberately. Weak functions are instances of templates, except those that a client may define itself.
+# The names are those of libstdc++.
 # usage: abi.sh LIBRARY...
 set -eu
 export LC_ALL=C

@@ -7,8 +7,10 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include <fcntl.h>
@@ -136,8 +138,9 @@ Finding TemporaryFiles() {
 }
 
 Finding WorkingDirectory() {
-  const std::unique_ptr<char, void (*)(void*)> path(getcwd(nullptr, 0), std::free);
-  if (path != nullptr) return {path.get()};
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::current_path(error);
+  if (!error) return {path.native()};
   return {"deleted, or not accessible", "Start the client in a directory that exists."};
 }
 

@@ -45,8 +45,8 @@ inline pid_t ForkWithoutHandlers() {
   return pid;
 }
 
-// Closes the descriptors from `first` to `last` with one system call. Where the system does not
-// know that call or refuses it, a loop does it, up to a number that no ordinary limit reaches.
+// Closes the descriptors from `first` to `last` with one system call. If the system does not have
+// that call or refuses it, a loop closes them, up to a number that no ordinary limit reaches.
 inline void CloseRange(int first, int last) {
   constexpr int kEndOfLoop = 65536;
   if (first > last) return;

@@ -9,7 +9,7 @@
 
 namespace GXInternal {
 
-// No program inherits the descriptors from the first to the last one. Callers rely on both numbers.
+// Programs inherit only the descriptors below and above these. Callers rely on both numbers.
 constexpr int kFirstClosedFd = 3;
 constexpr int kLastClosedFd = 1023;
 
@@ -34,7 +34,7 @@ class UniqueFd {
 };
 
 // A pipe whose ends are close-on-exec and stay above the standard descriptors, also when the caller
-// runs with 0, 1 or 2 closed. After a failed Open() the destructor closes what was made.
+// runs with 0, 1 or 2 closed. After a failed Open() the destructor closes the ends that exist.
 struct Pipe {
   UniqueFd readEnd;
   UniqueFd writeEnd;

@@ -23,7 +23,7 @@ constexpr int kExecErrors[] = {
 };
 
 // The texts of these errors in the caller's locale, fetched before the fork: strerror() takes the
-// locale's lock, which another thread may hold at that moment, and the child would wait for ever.
+// locale's lock, which another thread may hold at the fork, and the child would then hang.
 class ExecErrorTexts {
  public:
   ExecErrorTexts() {

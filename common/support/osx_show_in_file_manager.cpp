@@ -33,7 +33,7 @@ constexpr int kNothingThere = 1;
 constexpr int kNotShown = 2;
 constexpr int kNoAnswer = 3;
 
-// A bus that accepts connections and answers nothing would hold dbus-send for ever.
+// A bus that accepts connections but does not answer would hold dbus-send without end.
 constexpr std::chrono::seconds kLongestWait(10);  // more than dbus-send waits for the reply
 constexpr unsigned kLongestLife = 11;             // seconds, after which a signal ends the program
 
@@ -44,7 +44,7 @@ enum class Mode {
 };
 
 // Runs in the forked child. Leaves open only the standard descriptors of the program and the pipe:
-// the program may live for long, and so would what it held of the client.
+// the program may live for long and must not hold files of the client.
 bool TakeDescriptors(int pipe, Mode mode) {
   (void)close(STDIN_FILENO);
   if (open("/dev/null", O_RDWR) != STDIN_FILENO) return false;
@@ -120,8 +120,8 @@ std::string Environment(const char* variable) {
   return value != nullptr ? value : "";
 }
 
-// Where dbus-send finds the bus of the session; empty where it finds none and would start a bus of
-// its own, which stays.
+// The address or socket of the session bus, as dbus-send finds it. Without one, dbus-send would start
+// another bus, which stays: the result is then empty.
 std::string SessionBusAddress() {
   std::string address = Environment("DBUS_SESSION_BUS_ADDRESS");
   const std::string directory = Environment("XDG_RUNTIME_DIR");
@@ -157,8 +157,8 @@ bool StartsWith(std::string_view text, std::string_view beginning) {
   return text.substr(0, beginning.size()) == beginning;
 }
 
-// The status that a line of dbus-send means, which translates none of its lines; none if the line
-// is no answer.
+// The status for a line that dbus-send printed, if the line is an answer. Its lines are not
+// translated.
 std::optional<int> StatusOf(std::string_view line) {
   if (StartsWith(line, "method return ")) return kShown;
   if (!StartsWith(line, "Error ")) return std::nullopt;
