@@ -94,6 +94,13 @@ void StoreBigEndian(char* out, std::uint32_t value) {
 // Not memcpy: with _FORTIFY_SOURCE GCC makes a slower loop of it, by a third.
 void PutPair(char* out, unsigned bits) { std::copy_n(kPairs[bits].digits, sizeof(DigitPair), out); }
 
+void EncodeGroup(const Byte* in, char* out) {
+  const unsigned first = in[0];
+  const unsigned second = in[1];
+  PutPair(out, first << 4 | second >> 4);
+  PutPair(out + 2, (second & 15) << 8 | in[2]);
+}
+
 // Encodes the one or two bytes of the last group.
 void EncodePadded(const Byte* in, std::size_t count, char* out) {
   const unsigned first = in[0];
@@ -107,15 +114,13 @@ std::string Encode(const Byte* in, std::size_t size) {
   if (size > std::string().max_size() / 4 * 3) throw std::length_error("the data is too long");
   std::string text((size + 2) / 3 * 4, '\0');
   char* out = text.data();
-  const std::size_t rest = size % 3;
-  const Byte* const end = in + (size - rest);
-  for (; in != end; in += 3, out += 4) {
-    const unsigned first = in[0];
-    const unsigned second = in[1];
-    PutPair(out, first << 4 | second >> 4);
-    PutPair(out + 2, (second & 15) << 8 | in[2]);
+  // Two groups at a time: with one, some builds take half as long again and fall behind a library.
+  for (; size >= 6; size -= 6, in += 6, out += 8) {
+    EncodeGroup(in, out);
+    EncodeGroup(in + 3, out + 4);
   }
-  if (rest > 0) EncodePadded(in, rest, out);
+  for (; size >= 3; size -= 3, in += 3, out += 4) EncodeGroup(in, out);
+  if (size > 0) EncodePadded(in, size, out);
   return text;
 }
 
