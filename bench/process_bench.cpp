@@ -9,9 +9,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <glib.h>
-#include <boost/tokenizer.hpp>
-
 #include "bench.h"
 #include "gxclient_util.h"
 
@@ -105,21 +102,6 @@ void AddCaptureRow() {
       .Against("popen", [] { Capture(kText[2], kSize); });
 }
 
-void AddCommandLineRow(const std::string& name, const std::string& line) {
-  const bench::Row row("SplitCommandLine, " + name,
-                       [line] { bench::Use(GXUtils::SplitCommandLine(line)); });
-  row.Against("GLib", [line] {
-    char** arguments = nullptr;
-    Require(g_shell_parse_argv(line.c_str(), nullptr, &arguments, nullptr) != 0);
-    g_strfreev(arguments);
-  });
-  row.Against("Boost.Tokenizer", [line] {
-    using Separator = boost::escaped_list_separator<char>;
-    const boost::tokenizer<Separator> tokens(line, Separator('\\', ' ', '"'));
-    bench::Use(std::vector<std::string>(tokens.begin(), tokens.end()));
-  });
-}
-
 }  // namespace
 
 void bench::AddRows() {
@@ -127,9 +109,4 @@ void bench::AddRows() {
   AddStartRows("a program that only exits", 0);
   AddStartRows("the same from 256 MiB", 256U << 20);
   AddCaptureRow();
-  const std::string five = "/usr/bin/program --verbose --output file.txt input";
-  std::string megabyte = five;
-  while (megabyte.size() < 1U << 20) megabyte += " " + five;
-  AddCommandLineRow("5 arguments", five);
-  AddCommandLineRow("1 MiB", megabyte);
 }

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <list>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include <absl/strings/str_replace.h>
 #include <absl/strings/str_split.h>
 #include <event2/buffer.h>
+#include <glib.h>
 #include <boost/tokenizer.hpp>
 
 #include "bench.h"
@@ -70,13 +72,29 @@ void AddLinesRow() {
   });
 }
 
+void AddCommandLineRow(const std::string& name, const std::string& line) {
+  const bench::Row row("SplitCommandLine, " + name,
+                       [line] { bench::Use(GXUtils::SplitCommandLine(line)); });
+  row.Against("GLib", [line] {
+    char** arguments = nullptr;
+    if (g_shell_parse_argv(line.c_str(), nullptr, &arguments, nullptr) == 0) std::abort();
+    g_strfreev(arguments);
+  });
+  row.Against("Boost.Tokenizer", [line] {
+    using Separator = boost::escaped_list_separator<char>;
+    const boost::tokenizer<Separator> tokens(line, Separator('\\', ' ', '"'));
+    bench::Use(std::vector<std::string>(tokens.begin(), tokens.end()));
+  });
+}
+
 void AddListRows(const std::string& name, std::size_t count, std::size_t size) {
-  const std::list<std::string> elements(count, std::string(size, 'e'));
-  const std::string text = GXUtils::EncodeStringList(elements, ',');
+  // Shared: a copy of its own would stand elsewhere in memory and cost one side more cache misses.
+  const auto elements = std::make_shared<std::list<std::string>>(count, std::string(size, 'e'));
+  const std::string text = GXUtils::EncodeStringList(*elements, ',');
   bench::Row("EncodeStringList, " + name, [elements] {
-    bench::Use(GXUtils::EncodeStringList(elements, ','));
+    bench::Use(GXUtils::EncodeStringList(*elements, ','));
   }).Against("Abseil", [elements] {
-    bench::Use(absl::StrJoin(elements, ", ", [](std::string* out, const std::string& element) {
+    bench::Use(absl::StrJoin(*elements, ", ", [](std::string* out, const std::string& element) {
       out->append(absl::StrReplaceAll(element, {{"\\", "\\\\"}, {",", "\\,"}}));
     }));
   });
@@ -111,6 +129,12 @@ void bench::AddTextRows() {
   AddReplaceRow("1 MiB, shorter", Repeated(std::string(78, 'x') + "\r\n", 1 << 20), "\r\n", "\n");
   AddReplaceRow("1 MiB, a hit each byte, longer", std::string(1 << 20, 'a'), "a", "bb");
   AddLinesRow();
+  // Command lines stand here, since the other program gives memory back at once.
+  const std::string five = "/usr/bin/program --verbose --output file.txt input";
+  std::string megabyte = five;
+  while (megabyte.size() < 1U << 20) megabyte += " " + five;
+  AddCommandLineRow("5 arguments", five);
+  AddCommandLineRow("1 MiB", megabyte);
   AddListRows("10 elements of 16 bytes", 10, 16);
   AddListRows("1000 of 16 bytes", 1000, 16);
   AddListRows("65536 of 16 bytes", 65536, 16);
