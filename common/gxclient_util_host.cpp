@@ -23,7 +23,7 @@
 namespace GXUtils {
 namespace {
 
-using GXInternal::UniqueFd;
+using namespace GXInternal;
 
 constexpr mode_t kDirectoryMode = 0755;
 constexpr mode_t kTempFileMode = 0600;

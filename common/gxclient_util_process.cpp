@@ -26,16 +26,7 @@
 namespace GXUtils {
 namespace {
 
-using GXInternal::Child;
-using GXInternal::CloseRange;
-using GXInternal::ExecErrorTexts;
-using GXInternal::ForkWithoutHandlers;
-using GXInternal::kFirstClosedFd;
-using GXInternal::kLastClosedFd;
-using GXInternal::Pipe;
-using GXInternal::Reap;
-using GXInternal::UniqueFd;
-using GXInternal::WriteLine;
+using namespace GXInternal;
 
 constexpr int kRunFailed = -1;
 constexpr int kNotStarted = -2;

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <ctime>
-#include <utility>
 
 namespace {
 
@@ -14,18 +13,15 @@ std::string Timestamp() {
   return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc)};
 }
 
-// The message with its line ends written out, on one line.
-std::string OneLine(std::string message) {
-  if (message.find_first_of("\n\r") == std::string::npos) return message;
+// The message on one line: its line ends are written out.
+std::string OneLine(const std::string& message) {
   std::string line;
   for (const char byte : message) {
-    if (byte == '\n') {
-      line += "\\n";
-    } else if (byte == '\r') {
-      line += "\\r";
-    } else {
+    if (byte != '\n' && byte != '\r') {
       line += byte;
+      continue;
     }
+    line += byte == '\n' ? "\\n" : "\\r";
   }
   return line;
 }
@@ -38,7 +34,7 @@ std::string OneLine(std::string message) {
 
 [[gnu::weak]] void Logfile::Log(std::string message, int level) {
   std::string line = Timestamp() + " [" + std::to_string(level) + "] ";
-  line += OneLine(std::move(message));
+  line += OneLine(message);
   line += '\n';
   // A single call: the stream's own lock keeps the lines of other threads out of this one.
   (void)std::fwrite(line.data(), 1, line.size(), stderr);

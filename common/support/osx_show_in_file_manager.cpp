@@ -21,11 +21,7 @@
 
 namespace {
 
-using GXInternal::CloseRange;
-using GXInternal::ForkWithoutHandlers;
-using GXInternal::kFirstClosedFd;
-using GXInternal::Pipe;
-using GXInternal::Reap;
+using namespace GXInternal;
 using Clock = std::chrono::steady_clock;
 
 constexpr int kShown = 0;
