@@ -569,9 +569,9 @@ bool CheckCreateDir(std::string path, bool recursive);
 /// The path is "/tmp/", `name` and six characters that make it unique. `TMPDIR` does not count. The
 /// caller closes the descriptor and removes the file.
 ///
-/// @param name the first part of the name of the file, at most 500 bytes, without a NUL byte. A
-///        name with "/" means a file in a directory below /tmp, which must exist; ".." in it leads
-///        out of /tmp.
+/// @param name the first part of the name of the file, at most 500 bytes (249 on most file
+///        systems), without a NUL byte. A name with "/" means a file in a directory below /tmp,
+///        which must exist; ".." in it leads out of /tmp.
 /// @param fd if not null, receives the file descriptor, open for reading and writing and not
 ///        close-on-exec; -1 on failure. If null, the file is closed.
 /// @return the path; the empty string if the file could not be created, and `errno` has the reason
