@@ -44,12 +44,11 @@ report() {
 # usage: emulated COMPILER_PREFIX MULTIARCH_DIRECTORY DEBIAN_ARCHITECTURE SUITE QEMU
 emulated() {
   local root=$work/root-$target
-  # The libraries are unpacked, not installed: nothing of the other architecture runs for that. The
-  # emulator looks here first for every path, so nothing else of the system stays.
-  # shellcheck disable=SC2016  # for mmdebstrap
+  # The libraries are unpacked, not installed: nothing of the other architecture runs for that.
   bootstrap "$4" "$root" --variant=extract --architectures="$3" \
-    --include=libc6-dev,libc-bin,libstdc++6,nettle-dev,libcli11-dev,googletest \
-    --customize-hook='cd "$1" && rm -rf bin sbin boot dev etc home media mnt opt proc root run srv sys tmp var'
+    --include=libc6-dev,libc-bin,libstdc++6,nettle-dev,libcli11-dev,googletest
+  # The emulator looks here first for every path, /dev/null included: nothing else of the system stays.
+  find "$root" -mindepth 1 -maxdepth 1 ! -name 'lib*' ! -name usr -exec rm -rf {} +
   export PKG_CONFIG_SYSROOT_DIR=$root PKG_CONFIG_LIBDIR=$root/usr/lib/$2/pkgconfig
   build -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR="$target" -DCMAKE_SYSROOT="$root" \
     -DCMAKE_C_COMPILER="$1-gcc" -DCMAKE_CXX_COMPILER="$1-g++" \

@@ -16,8 +16,9 @@ int Which(CommandLine& line) {
   if (name[0] == '/') return Fail(name, NotExecutable(name));
   const char* path = std::getenv("PATH");
   if (path == nullptr) return Fail(name, "PATH is not set");
-  for (const std::string& entry : GXUtils::SplitString(path, ':')) {
-    const std::string file = entry + "/" + name;
+  for (std::string& file : GXUtils::SplitString(path, ':')) {
+    file += '/';
+    file += name;
     if (GXUtils::CheckFileExist(file)) return Fail(file, NotExecutable(file));
   }
   return Fail(name, "not found in PATH");
