@@ -76,7 +76,7 @@ Finding Version() {
 Finding Locale() {
   if (std::setlocale(LC_ALL, "") == nullptr) {  // as main() did
     return {"LC_ALL=" + Environment("LC_ALL") + " LANG=" + Environment("LANG") + " not installed",
-            "Install the Debian package locales-all, or set LANG to C.UTF-8."};
+            "Install the Debian package locales-all, or set LC_ALL to C.UTF-8."};
   }
   const std::string text =
       std::setlocale(LC_CTYPE, nullptr) + std::string(", encoding ") + nl_langinfo(CODESET);
@@ -84,7 +84,7 @@ Finding Locale() {
   const auto isLetter = [](unsigned char byte) { return byte >= 0x80; };
   if (std::any_of(letters.begin(), letters.end(), isLetter)) return {text};
   return {text + ", has no accented letters: file and user names lose these letters",
-          "Set LANG to a UTF-8 locale, such as C.UTF-8, and log in again."};
+          "Set LC_ALL to a UTF-8 locale, such as C.UTF-8, and log in again."};
 }
 
 Finding User() {
