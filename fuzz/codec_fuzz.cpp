@@ -8,11 +8,14 @@ const std::string kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvw
 
 // Arithmetic over the alphabet: a digit is a position in it, and "=" is the digit 64.
 std::string DecodedBase64(const std::string& text) {
-  if (text.size() % 4 != 0 || text.find_first_not_of(kAlphabet) != std::string::npos) return "";
+  if (text.size() % 4 != 0) return "";
   std::string bytes;
   for (std::size_t i = 0; i < text.size(); i += 4) {
     std::size_t digits[4];
-    for (std::size_t j = 0; j < 4; ++j) digits[j] = kAlphabet.find(text[i + j]);
+    for (std::size_t j = 0; j < 4; ++j) {
+      digits[j] = kAlphabet.find(text[i + j]);
+      if (digits[j] == std::string::npos) return "";
+    }
     bytes += static_cast<char>(digits[0] * 4 + digits[1] / 16);
     if (digits[2] != 64) bytes += static_cast<char>(digits[1] * 16 + digits[2] / 4);
     if (digits[3] != 64) bytes += static_cast<char>(digits[2] * 64 + digits[3]);
@@ -34,22 +37,14 @@ std::string DecodedHex(const std::string& hex) {
 
 }  // namespace
 
-// Short texts, and lengths on both sides of the pieces of the encoder.
-std::vector<World> Worlds() {
-  const std::string mixed = Joined(Strings(12, Joined(EveryByte(), "")), "");
-  return {{"", 8, {"A", "=", "/", " "}},
-          {"", 2, EveryByte()},
-          {"", 4, {mixed.substr(12), "twelve bytes", "7 bytes", "\xFB"}}};
-}
+std::vector<World> Worlds() { return {{8, {"A", "=", "/", " "}}, {2, EveryByte()}}; }
 
 void Check(const std::string& input) {
-  const std::vector<unsigned char> array(input.begin(), input.end());  // a read past it is noticed
-  const std::string encoded = GXUtils::Base64Encode(array.data(), array.size());
-  Expect("Base64Encode() of a string", GXUtils::Base64Encode(input), encoded);
+  const std::string encoded = Base64Encode(input);
   Expect("DecodedBase64(encoded)", DecodedBase64(encoded), input);
-  Expect("Base64Decode(encoded)", GXUtils::Base64Decode(encoded), input);
+  Expect("Base64Decode(encoded)", Base64Decode(encoded), input);
   for (const std::string& text : {input, input + "A/", "A/" + input}) {
-    Expect("Base64Decode()", GXUtils::Base64Decode(text), DecodedBase64(text));
-    Expect("HexASCIIToString()", GXUtils::HexASCIIToString(text), DecodedHex(text));
+    Expect("Base64Decode()", Base64Decode(text), DecodedBase64(text));
+    Expect("HexASCIIToString()", HexASCIIToString(text), DecodedHex(text));
   }
 }

@@ -4,22 +4,19 @@
 /// from the same tokens.
 #pragma once
 
-#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "gxclient_util.h"
-#include "harness/log.h"
 
+using namespace GXUtils;
 using Strings = std::vector<std::string>;
 
-/// Every text that is `start` and up to `count` tokens.
+/// Every text of up to `count` tokens.
 struct World {
-  std::string start;
   std::size_t count;
   Strings tokens;
 };
@@ -37,15 +34,14 @@ inline Strings EveryByte() {
 /// A value as a failure prints it. A text is also an entry of libFuzzer's dictionary.
 inline std::string Shown(const std::string& text) {
   std::string shown = "\"";
-  for (const char byte : text) {
-    char code[5];
-    (void)std::snprintf(code, sizeof code, "\\x%02hhx", static_cast<unsigned char>(byte));
-    shown += std::isalnum(static_cast<unsigned char>(byte)) != 0 ? std::string(1, byte) : code;
+  for (const unsigned char byte : text) {
+    char code[5] = {static_cast<char>(byte)};
+    if (!std::isalnum(byte)) (void)std::snprintf(code, sizeof code, "\\x%02x", byte);
+    shown += code;
   }
   return shown + "\"";
 }
 inline std::string Shown(int number) { return std::to_string(number); }
-inline std::string Shown(bool value) { return value ? "true" : "false"; }
 inline std::string Shown(const Strings& texts) {
   std::string shown;
   for (const std::string& text : texts) shown += Shown(text) + " ";
@@ -54,39 +50,9 @@ inline std::string Shown(const Strings& texts) {
 
 /// Aborts with both values printed unless they are equal.
 template <class Value>
-void Expect(const char* fact, const std::type_identity_t<Value>& result, const Value& expected) {
+void Expect(const char* fact, const Value& result, const Value& expected) {
   if (result == expected) return;
   (void)std::fprintf(stderr, "%s\nresult:   %s\nexpected: %s\n", fact, Shown(result).c_str(),
                      Shown(expected).c_str());
   std::abort();
-}
-
-// The reference implementations: the standard library's find() over copies.
-
-inline Strings Split(std::string text, char separator) {
-  Strings fields;
-  for (std::size_t end; (end = text.find(separator)) != std::string::npos; text.erase(0, end + 1)) {
-    fields.push_back(text.substr(0, end));
-  }
-  fields.push_back(text);
-  return fields;
-}
-
-inline std::string Joined(const Strings& fields, const std::string& joiner) {
-  std::string text = fields[0];
-  for (std::size_t i = 1; i < fields.size(); ++i) text += joiner + fields[i];
-  return text;
-}
-
-inline std::string Replaced(std::string text, const std::string& from, const std::string& to) {
-  if (from.empty()) return text;
-  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
-    text.replace(at, from.size(), to);
-  }
-  return text;
-}
-
-inline std::string Trimmed(std::string text, const std::string& set) {
-  text.erase(0, text.find_first_not_of(set));
-  return text.erase(text.find_last_not_of(set) + 1);
 }

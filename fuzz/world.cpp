@@ -23,9 +23,8 @@ void CheckAll(const World& world, std::size_t left, const std::string& text) {
 int main(int count, char**) {
   (void)std::signal(SIGABRT, PrintInput);
   for (const World& world : Worlds()) {
-    if (count == 1) CheckAll(world, world.count, world.start);
-    for (const std::string& token : world.tokens) {
-      if (count > 1) std::puts(Shown(token).c_str());
-    }
+    if (count == 1) CheckAll(world, world.count, "");
+    if (count == 1) continue;
+    for (const std::string& token : world.tokens) std::puts(Shown(token).c_str());
   }
 }
