@@ -34,9 +34,10 @@ inline Strings EveryByte() {
 /// A value as a failure prints it. A text is also an entry of libFuzzer's dictionary.
 inline std::string Shown(const std::string& text) {
   std::string shown = "\"";
-  for (const unsigned char byte : text) {
-    char code[5] = {static_cast<char>(byte)};
-    if (!std::isalnum(byte)) (void)std::snprintf(code, sizeof code, "\\x%02x", byte);
+  for (const char each : text) {
+    const auto byte = static_cast<unsigned char>(each);
+    char code[5] = {each};
+    if (std::isalnum(byte) == 0) (void)std::snprintf(code, sizeof code, "\\x%02x", byte);
     shown += code;
   }
   return shown + "\"";
