@@ -43,7 +43,7 @@ std::vector<World> Worlds() {
 }
 
 void Check(const std::string& input) {
-  const std::string text = input.c_str();
+  const std::string text = input.substr(0, input.find('\0'));
   CheckLines(text);
   const std::size_t bar = std::min(text.find('|'), text.size());
   CheckOrder(text.substr(0, bar).c_str(), &text[std::min(bar + 1, text.size())]);

@@ -23,8 +23,10 @@ void CheckAll(const World& world, std::size_t left, const std::string& text) {
 int main(int count, char**) {
   (void)std::signal(SIGABRT, PrintInput);
   for (const World& world : Worlds()) {
-    if (count == 1) CheckAll(world, world.count, "");
-    if (count == 1) continue;
+    if (count == 1) {
+      CheckAll(world, world.count, "");
+      continue;
+    }
     for (const std::string& token : world.tokens) std::puts(Shown(token).c_str());
   }
 }

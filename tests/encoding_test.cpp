@@ -117,6 +117,9 @@ TEST(ToLower, LowersTheLettersOfTheLocale) {
   EXPECT_EQ(Lower("ÄΩЖA"), Converted("äωжa", ""));
   EXPECT_EQ(Lower("ȺȺ"), Converted("ⱥⱥ", ""));
   EXPECT_EQ(Lower("ȺȺȺ"), Converted("ⱥⱥ", kNoSpace));  // grows by more than two bytes
+#ifdef __GLIBC__
+  EXPECT_EQ(Lower("A😀B"), Converted("ab", kBadInput));  // UCS-2 does not have it
+#endif
   std::setlocale(LC_CTYPE, "C");
 }
 

@@ -40,6 +40,10 @@ TEST(CheckCreateDir, TakesAnyFileForTheDirectory) {
   EXPECT_TRUE(CheckCreateDir(top.path + "/file", true));
   EXPECT_FALSE(CheckCreateDir(top.path + "/file/x", true));
   EXPECT_EQ(errno, ENOTDIR);
+  std::filesystem::create_symlink("/no/such", top.path + "/link");
+  EXPECT_FALSE(CheckCreateDir(top.path + "/a/../link", true));
+  EXPECT_EQ(errno, EEXIST);
+  EXPECT_TRUE(CheckFileExist(top.path + "/a"));  // stays after the failure
 }
 
 TEST(CheckCreateDir, TakesARelativePathFromTheRootDirectoryIfRecursive) {
