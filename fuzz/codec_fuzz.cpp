@@ -2,6 +2,8 @@
 
 #include "fuzz.h"
 
+using namespace GXUtils;
+
 namespace {
 
 const std::string kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
@@ -37,7 +39,7 @@ std::string DecodedHex(const std::string& hex) {
 
 }  // namespace
 
-std::vector<World> Worlds() { return {{8, {"A", "=", "/", " "}}, {2, EveryByte()}}; }
+std::vector<TextSet> ShortTexts() { return {{8, {"A", "=", "/", " "}}, {2, EveryByte()}}; }
 
 void Check(const std::string& input) {
   const std::string encoded = Base64Encode(input);

@@ -2,6 +2,8 @@
 
 #include "fuzz.h"
 
+using namespace GXUtils;
+
 namespace {
 
 // The grammar, a field at a time.
@@ -27,7 +29,7 @@ Strings Arguments(std::string line) {
 
 }  // namespace
 
-std::vector<World> Worlds() { return {{8, {"a", " ", "\"", "\t"}}, {2, EveryByte()}}; }
+std::vector<TextSet> ShortTexts() { return {{8, {"a", " ", "\"", "\t"}}, {2, EveryByte()}}; }
 
 void Check(const std::string& input) {
   Expect("SplitCommandLine()", SplitCommandLine(input), Arguments(input));

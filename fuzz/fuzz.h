@@ -12,17 +12,16 @@
 
 #include "gxclient_util.h"
 
-using namespace GXUtils;
 using Strings = std::vector<std::string>;
 
 /// Every text of up to `count` tokens.
-struct World {
+struct TextSet {
   std::size_t count;
   Strings tokens;
 };
 
 /// A target has these two: the texts that its test runs, and the checks of one input.
-std::vector<World> Worlds();
+std::vector<TextSet> ShortTexts();
 void Check(const std::string& input);
 
 inline Strings EveryByte() {

@@ -2,7 +2,9 @@
 
 #include "fuzz.h"
 
-std::vector<World> Worlds() {
+using namespace GXUtils;
+
+std::vector<TextSet> ShortTexts() {
   return {{6, {",", "\\", "a", " ", ";", std::string(1, '\0')}}, {2, EveryByte()}};
 }
 

@@ -5,6 +5,8 @@
 
 #include "fuzz.h"
 
+using namespace GXUtils;
+
 namespace {
 
 // Lines and tail joined with "\n" are the stream without the "\r" of its line ends, wherever the
@@ -38,7 +40,7 @@ void CheckOrder(const char* first, const char* second) {
 
 }  // namespace
 
-std::vector<World> Worlds() {
+std::vector<TextSet> ShortTexts() {
   return {{5, {"0x", "0", "1", ".", "a", "A", "\xFF", "|"}}, {6, {"\r", "\n", "a"}}};
 }
 

@@ -56,11 +56,11 @@ emulated() {
     -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY \
     -DCMAKE_CROSSCOMPILING_EMULATOR="$(command -v "$5");-L;$root" \
     -DGXCLIENT_GTEST_SOURCE="$root/usr/src/googletest"
-  # Descriptors, limits and the environment are the emulator's own there, which gxutil.runners and
+  # Descriptors, limits and the environment are the emulator's own there, which gxutil.programs and
   # gxutil.doctor look at; the locale of po.shown is made by and for this machine.
   quietly ctest --test-dir "$work/$target" -j "$(jobs)" --output-on-failure --no-tests=error \
-    -E '^(gxutil[.]runners|gxutil[.]doctor|po[.]shown)$'
-  report "left out gxutil.runners, gxutil.doctor and po.shown"
+    -E '^(gxutil[.]programs|gxutil[.]doctor|po[.]shown)$'
+  report "left out gxutil.programs, gxutil.doctor and po.shown"
 }
 
 # Runs a command in the small system below $root, as root, who sees only that system's processes.

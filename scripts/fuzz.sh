@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets, installing first what that needs, and runs each for some seconds with the
-# tokens of its worlds as a dictionary. Keeps an input that fails in build/fuzz/findings and exits with 1.
+# tokens of its short texts as a dictionary. Keeps an input that fails in build/fuzz/findings, and
+# exits with 1 then.
 # usage: scripts/fuzz.sh SECONDS [TARGET]...
 set -euo pipefail
 . "$(dirname "$0")/lib.sh"
@@ -17,7 +18,7 @@ mkdir -p build/fuzz/findings
 
 status=0
 for target in "$@"; do
-  "build/fuzz/fuzz/${target}_world" dictionary | sort -u >"$work/dictionary"
+  "build/fuzz/fuzz/${target}_short_texts" dictionary | sort -u >"$work/dictionary"
   result=0
   "build/fuzz/fuzz/${target}_fuzz" -max_total_time="$seconds" -max_len=512 -timeout=10 \
     -print_final_stats=1 -artifact_prefix="build/fuzz/findings/$target-" \

@@ -37,8 +37,8 @@ void WarnOfUnclosedQuote(const std::string& commandLine) {
 }
 
 // Calls `run` with a command line or with the argument array of several operands.
-template <class Runner>
-int Launch(const std::vector<std::string>& operands, Runner run) {
+template <class Start>
+int Launch(const std::vector<std::string>& operands, Start run) {
   if (operands.empty()) throw UsageError("COMMAND is required");
   if (operands.size() == 1) {
     WarnOfUnclosedQuote(operands[0]);
