@@ -1,7 +1,6 @@
 // Input: a stream of lines, and two numbers with a bar between them.
 
 #include <algorithm>
-#include <regex>
 
 #include "fuzz.h"
 
@@ -9,11 +8,18 @@ using namespace GXUtils;
 
 namespace {
 
+std::string WithPlainLineEnds(const std::string& stream) {
+  std::string plain;
+  for (std::size_t i = 0; i < stream.size(); ++i) {
+    if (stream.compare(i, 2, "\r\n") != 0) plain += stream[i];
+  }
+  return plain;
+}
+
 // Lines and tail joined with "\n" are the stream without the "\r" of its line ends, wherever the
 // stream is cut.
 void CheckLines(const std::string& stream) {
-  static const std::regex lineEnd("\r\n");
-  const std::string expected = std::regex_replace(stream, lineEnd, "\n");
+  const std::string expected = WithPlainLineEnds(stream);
   for (std::size_t cut = 0; cut <= stream.size(); ++cut) {
     std::string tail, text;
     for (const std::string& chunk : {stream.substr(0, cut), stream.substr(cut)}) {

@@ -1,6 +1,5 @@
 // The log that a client has if it defines none; the other tests define one.
 
-#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -15,9 +14,11 @@
 TEST(Logfile, WritesTimeLevelAndMessageOnOneLine) {
   testing::internal::CaptureStderr();
   logfile.Log("line\nend\r", 2);
-  const std::string line = testing::internal::GetCapturedStderr();
-  const std::regex format(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ \[2\] line\\nend\\r\n)");
-  EXPECT_TRUE(std::regex_match(line, format)) << line;
+  std::string line = testing::internal::GetCapturedStderr();
+  for (std::size_t i = 0; i < line.find(' '); ++i) {
+    if (line[i] >= '0' && line[i] <= '9') line[i] = '9';
+  }
+  EXPECT_EQ(line, "9999-99-99T99:99:99Z [2] line\\nend\\r\n");
 }
 
 TEST(Logfile, KeepsTheLinesOfThreadsApart) {
