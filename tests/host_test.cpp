@@ -36,7 +36,7 @@ TEST(CheckCreateDir, MakesTheMissingDirectoriesAboveIfRecursive) {
 
 TEST(CheckCreateDir, TakesAnyFileForTheDirectory) {
   const TempDir top;
-  std::ofstream(top.path + "/file");
+  std::ofstream(top.path + "/file").close();
   EXPECT_TRUE(CheckCreateDir(top.path + "/file", true));
   EXPECT_FALSE(CheckCreateDir(top.path + "/file/x", true));
   EXPECT_EQ(errno, ENOTDIR);
