@@ -51,7 +51,7 @@ bool TakeDescriptors(int pipe, Mode mode) {
   return true;
 }
 
-// Runs in the forked child. The program gets the usual signals, whatever the client does about them.
+// Runs in the forked child. Sets SIGCHLD and SIGALRM to their defaults and unblocks all signals.
 void ResetSignals() {
   (void)std::signal(SIGCHLD, SIG_DFL);
   (void)std::signal(SIGALRM, SIG_DFL);
