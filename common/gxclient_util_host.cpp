@@ -53,7 +53,7 @@ const char* FirstSetVariable(std::initializer_list<const char*> names) {
 }
 
 std::string HomeDirectory(std::string user) {
-  const char* home = FirstSetVariable({"HOME"});
+  const char* home = std::getenv("HOME");
   if (home == nullptr) return {};
   if (std::strcmp(home, "/") != 0) return home;
   const passwd* entry = getpwnam(Transcode("UTF-8", "", std::move(user)).c_str());
@@ -169,12 +169,8 @@ int parse_nfs_export_option(std::string option, std::vector<Exportdata*>& export
   std::string path;
   std::string word;
   for (;;) {
-    AccessMode mode{0, true};  // of a path that cannot be read: does not count against the result
-    if (parser.parse_comma_escaped_string(path) != 0) {
-      mode = ReadMode(parser, word);
-    } else {
-      path.clear();
-    }
+    AccessMode mode{0, true};  // of an empty path, which no mode follows
+    if (parser.parse_comma_escaped_string(path) != 0) mode = ReadMode(parser, word);
     valid = valid && mode.valid;
 
     auto record = std::make_unique<Exportdata>();

@@ -74,11 +74,10 @@ class DefaultSigchld {
 };
 
 // Runs in the forked child.
-[[noreturn]] void ExecCaptured(const char* const* argv, Pipe& capture) {
-  capture.readEnd.Reset();
-  (void)dup2(capture.writeEnd.Get(), STDOUT_FILENO);
-  (void)dup2(capture.writeEnd.Get(), STDERR_FILENO);
-  CloseAllFds(kFirstClosedFd, STDIN_FILENO);
+[[noreturn]] void ExecCaptured(const char* const* argv, int output) noexcept {
+  (void)dup2(output, STDOUT_FILENO);
+  (void)dup2(output, STDERR_FILENO);
+  CloseAllFds(kFirstClosedFd, -1);  // keeps none of them
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   _exit(kExecFailedStatus);
 }
@@ -92,7 +91,7 @@ struct DetachedPipes {
 [[noreturn]] void EndNow(int /*signal*/) { _exit(kDetachedExecFailedStatus); }
 
 // Ends this process after so many seconds, whatever the client does about SIGALRM. A handler does
-// it: the system ignores the default action if this is process 1 of its namespace.
+// it: the system ignores the default action if the client has made this process 1 of a PID namespace.
 void LimitLifetime(unsigned seconds) {
   struct sigaction action = {};
   action.sa_handler = EndNow;
@@ -106,10 +105,8 @@ void LimitLifetime(unsigned seconds) {
 
 // Runs in the forked child. The error text goes to the descriptor, because the client's streams may
 // be redirected or hold unflushed data.
-[[noreturn]] void ExecDetached(const char* const* argv, DetachedPipes& pipes,
+[[noreturn]] void ExecDetached(const char* const* argv, const DetachedPipes& pipes,
                                const ExecErrorTexts& errorTexts) noexcept {
-  pipes.status.readEnd.Reset();
-  pipes.output.readEnd.Reset();
   if (pipes.output.IsOpen()) (void)dup2(pipes.output.writeEnd.Get(), STDOUT_FILENO);
   if (pipes.error.IsOpen()) (void)dup2(pipes.error.writeEnd.Get(), STDERR_FILENO);
   CloseAllFds(kFirstClosedFd, pipes.status.writeEnd.Get());
@@ -166,9 +163,9 @@ bool RunToExit(const char* const* argv, std::string* output, int* exitStatus) {
   if (!sigchld.Install()) return FailRun("Error: sigaction() failed\n");
   if (!capture.Open()) return FailRun("Error: pipe() failed\n");
 
-  const pid_t pid = ForkWithoutHandlers();
+  const pid_t pid = fork();
   if (pid < 0) return FailRun("Error: fork() failed\n");
-  if (pid == 0) ExecCaptured(argv, capture);
+  if (pid == 0) ExecCaptured(argv, capture.writeEnd.Get());
   child.Own(pid);
 
   capture.writeEnd.Reset();
@@ -252,7 +249,7 @@ int SystemNowait(const char* const* argv, int* stdoutFd, int* stderrFd) {
   if (stderrFd != nullptr && !pipes.error.Open()) return kRunFailed;
   const ExecErrorTexts errorTexts;
 
-  const pid_t pid = ForkWithoutHandlers();
+  const pid_t pid = fork();
   if (pid < 0) return kRunFailed;
   if (pid == 0) ExecDetached(argv, pipes, errorTexts);
 

@@ -287,15 +287,6 @@ TEST(SystemAndNowait, PassOnTheSignalMask) {
   }));
 }
 
-// A handler could jump back into the client's main loop, in a second process.
-TEST(SystemAndNowait, RunNoHandlerOfTheClientInTheChild) {
-  EXPECT_TRUE(PassesInChild([] {
-    (void)std::signal(SIGUSR1, [](int) {});
-    (void)pthread_atfork(nullptr, nullptr, [] { (void)raise(SIGUSR1); });
-    EXPECT_EQ(System("true"), -1);  // the signal ends the child
-  }));
-}
-
 // The error goes to the descriptor, whatever the client has done to its streams. The child does
 // not write the text that waits in them.
 TEST(SystemAndNowait, LeaveTheClientsStreamsAlone) {

@@ -1,13 +1,13 @@
 /// @file
 /// Private to the project and not installed: forked children, and their owner in the parent.
 ///
-/// Until it executes a program, a child makes async-signal-safe calls only (signal-safety(7)), on
-/// values prepared before the fork: another thread may have held any lock at that moment.
+/// Another thread may have held any lock at the moment of the fork, so a child uses only values that
+/// were prepared before. The function that it runs is noexcept: if the client has cancelled the
+/// thread, the child ends there and does not unwind the client's frames.
 #pragma once
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <utility>
 
 #include <sys/types.h>
@@ -18,33 +18,6 @@
 #endif
 
 namespace GXInternal {
-
-// Sets the standard signals that the client catches to their default action, as exec does. A
-// real-time signal for the whole process group still runs its handler: to reset these as well costs
-// about 1 % of a start.
-inline void ResetCaughtSignals() {
-  constexpr int kLastStandardSignal = 31;
-  for (int signal = 1; signal <= kLastStandardSignal; ++signal) {
-    struct sigaction action = {};
-    if (sigaction(signal, nullptr, &action) != 0) continue;
-    if (action.sa_handler == SIG_DFL || action.sa_handler == SIG_IGN) continue;
-    action.sa_handler = SIG_DFL;
-    (void)sigaction(signal, &action, nullptr);
-  }
-}
-
-// Forks a child in which no handler of a standard signal runs: it could jump back into the client's
-// main loop. Every signal waits until the child has reset the handlers.
-inline pid_t ForkWithoutHandlers() {
-  sigset_t all;
-  sigset_t previous;
-  sigfillset(&all);
-  (void)pthread_sigmask(SIG_SETMASK, &all, &previous);
-  const pid_t pid = fork();
-  if (pid == 0) ResetCaughtSignals();
-  (void)pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-  return pid;
-}
 
 // Closes the descriptors from `first` to `last` with one system call. If the system does not have
 // that call or refuses it, a loop closes them, up to a number that no ordinary limit reaches.

@@ -41,7 +41,12 @@ struct Pipe {
 
   bool Open() {
     int ends[2];
+#ifdef __linux__
+    if (pipe2(ends, O_CLOEXEC) != 0) return false;
+#else
+    // A program that another thread starts just now inherits the ends.
     if (pipe(ends) != 0) return false;
+#endif
     readEnd.Reset(ends[0]);
     writeEnd.Reset(ends[1]);
     return MakePrivate(readEnd) && MakePrivate(writeEnd);

@@ -41,13 +41,13 @@ enum class Mode {
 
 // Runs in the forked child. Leaves open only the standard descriptors of the program and the pipe:
 // the program may live for long and must not hold files of the client.
-bool TakeDescriptors(int pipe, Mode mode) {
+bool TakeDescriptors(int reportFd, Mode mode) {
   (void)close(STDIN_FILENO);
   if (open("/dev/null", O_RDWR) != STDIN_FILENO) return false;
-  const int output = mode == Mode::kAsked ? pipe : STDIN_FILENO;
+  const int output = mode == Mode::kAsked ? reportFd : STDIN_FILENO;
   if (dup2(output, STDOUT_FILENO) < 0 || dup2(output, STDERR_FILENO) < 0) return false;
-  CloseRange(kFirstClosedFd, pipe - 1);
-  CloseRange(pipe + 1, INT_MAX);
+  CloseRange(kFirstClosedFd, reportFd - 1);
+  CloseRange(reportFd + 1, INT_MAX);
   return true;
 }
 
@@ -61,9 +61,10 @@ void ResetSignals() {
 }
 
 // Runs in the forked child, and exits at once: init adopts the program, which no client has to reap.
-// The pipe closes with the exec, unless the program writes to it. A byte reports a failure.
-[[noreturn]] void ExecAdopted(const char* const* argv, int pipe, Mode mode) {
-  if (TakeDescriptors(pipe, mode)) {
+// The pipe closes with the exec, unless the program writes to it. A byte reports a failure to
+// StartDetached(); ReadAnswer() finds no answer in it.
+[[noreturn]] void ExecAdopted(const char* const* argv, int reportFd, Mode mode) noexcept {
+  if (TakeDescriptors(reportFd, mode)) {
     ResetSignals();
     (void)setsid();
     const pid_t program = fork();
@@ -73,14 +74,14 @@ void ResetSignals() {
       (void)execvp(argv[0], const_cast<char* const*>(argv));
     }
   }
-  (void)!write(pipe, "e", 1);
+  (void)!write(reportFd, "e", 1);
   _exit(1);
 }
 
 // Starts the program with the write end of the pipe; the read end is the caller's.
 bool Start(const char* const* argv, Pipe& pipe, Mode mode) {
   if (!pipe.Open()) return false;
-  const pid_t pid = ForkWithoutHandlers();
+  const pid_t pid = fork();
   if (pid < 0) return false;
   if (pid == 0) ExecAdopted(argv, pipe.writeEnd.Get(), mode);
   pipe.writeEnd.Reset();
@@ -116,17 +117,14 @@ std::string Environment(const char* variable) {
   return value != nullptr ? value : "";
 }
 
-// The address or socket of the session bus, as dbus-send finds it. Without one, dbus-send would start
-// another bus, which stays: the result is then empty.
-std::string SessionBusAddress() {
-  std::string address = Environment("DBUS_SESSION_BUS_ADDRESS");
+// Looks for the session bus as dbus-send does. Without one, dbus-send would start a bus, which stays.
+bool HasSessionBus() {
+  if (!Environment("DBUS_SESSION_BUS_ADDRESS").empty()) return true;
   const std::string directory = Environment("XDG_RUNTIME_DIR");
-  if (!address.empty() || directory.empty()) return address;
-  std::string bus = directory + "/bus";
+  if (directory.empty()) return false;
   struct stat info = {};
-  const bool owned =
-      lstat(bus.c_str(), &info) == 0 && S_ISSOCK(info.st_mode) && info.st_uid == getuid();
-  return owned ? bus : std::string();
+  return lstat((directory + "/bus").c_str(), &info) == 0 && S_ISSOCK(info.st_mode) &&
+         info.st_uid == getuid();
 }
 
 // Escapes all but the unreserved characters of RFC 3986 and the slash. A URI needs less, but
@@ -199,7 +197,7 @@ int ReadAnswer(int fd) {
 }
 
 int AskFileManager(const std::string& path) {
-  if (SessionBusAddress().empty()) return kNotShown;
+  if (!HasSessionBus()) return kNotShown;
   const std::string items = "array:string:" + FileUri(path);
   // Without --print-reply it waits for no answer.
   const char* const argv[] = {"dbus-send",

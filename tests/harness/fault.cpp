@@ -63,7 +63,7 @@ FAILING(kExecvp, int, execvp, (const char* file, char* const* argv), (file, argv
 FAILING(kFork, pid_t, fork, (), ())
 FAILING(kIconvOpen, iconv_t, iconv_open, (const char* to, const char* from), (to, from))
 FAILING(kMkdir, int, mkdir, (const char* path, mode_t mode), (path, mode))
-FAILING(kPipe, int, pipe, (int ends[2]), (ends))
+FAILING(kPipe, int, pipe2, (int ends[2], int flags), (ends, flags))
 FAILING(kPoll, int, poll, (pollfd * fds, nfds_t count, int timeout), (fds, count, timeout))
 FAILING(kRead, ssize_t, read, (int fd, void* buffer, std::size_t size), (fd, buffer, size))
 FAILING(kSigaction, int, sigaction,
