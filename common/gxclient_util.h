@@ -2,9 +2,9 @@
 /// Utility functions of the client: processes, text, encodings, codecs, files and the host.
 ///
 /// These rules hold for every function:
-/// - A `std::string` holds bytes in no particular encoding. A NUL byte in it is ordinary data,
-///   unless the string is a path, a name or an argument, which end at their first NUL byte.
-/// - A `const char*` is NUL-terminated and must not be null, unless its comment allows null.
+/// - A `std::string` holds bytes in no particular encoding. A NUL byte in it is ordinary data, but
+///   a path, a name or an argument of a program must not contain one.
+/// - A `const char*` is NUL-terminated and must not be null, unless its comment states otherwise.
 /// - `errno` is meaningful after a call only if the function's comment mentions it.
 /// - A function logs only the lines and throws only the exceptions that its comment lists.
 ///   Exceptions of the standard library, such as `std::bad_alloc`, and exceptions of the log also
@@ -32,8 +32,9 @@ namespace GXUtils {
 ///
 /// Only spaces separate arguments; several spaces count as one. A double quote begins a quoted
 /// argument if it is the first byte of the text, or follows a separating space or a closing quote.
-/// The next double quote ends that argument. Every other byte is ordinary data, for example a tab,
-/// a newline, a backslash, a single quote or a NUL byte. `""` is an empty argument.
+/// The next double quote ends that argument, and the byte after it begins a new one: `"a b"c` is
+/// two arguments. Every other byte is ordinary data, for example a tab, a newline, a backslash, a
+/// single quote or a NUL byte. `""` is an empty argument.
 ///
 /// @note An unclosed double quote drops the text up to and including the next space, or to the end.
 /// @note There is no escape character. An argument cannot hold both a space and a double quote, and
@@ -54,8 +55,9 @@ std::vector<std::string> SplitCommandLine(std::string commandLine);
 ///     }
 ///
 /// No shell is involved. The program is found along `PATH`, unless its name contains "/". It shares
-/// the caller's standard input and inherits no other file descriptor below 1024. The call blocks
-/// until the program has exited and every process that inherited its output has closed it.
+/// the caller's standard input. It inherits no other file descriptor below 1024, but those from
+/// 1024 on unless they are close-on-exec. The call blocks until the program has exited and every
+/// process that inherited its output has closed it.
 ///
 /// @note The result 0 means that the program ran. Whether it succeeded is in `exitCode`.
 ///
@@ -64,7 +66,8 @@ std::vector<std::string> SplitCommandLine(std::string commandLine);
 ///        be part of `*output`.
 /// @param output if not null, the captured bytes are appended to it as they arrive, whatever the
 ///        result. They arrive in pieces of at most 255 bytes. A NUL byte and the rest of its piece
-///        are dropped. If null, the output is discarded.
+///        are dropped. A read that fails or is interrupted ends the capture: the output may be
+///        short, and the call waits for the program. If null, the output is discarded.
 /// @param exitCode if not null, receives the exit status (0 to 255) when the result is 0 or -2. If
 ///        the result is -1, `*exitCode` is unchanged.
 /// @retval 0 the program exited with a status other than 127 and 128.
@@ -72,9 +75,10 @@ std::vector<std::string> SplitCommandLine(std::string commandLine);
 ///         reaped), or a system call failed. A failed system call writes one line to the standard
 ///         error stream, not to the log: "Error: sigaction() failed", "Error: pipe() failed",
 ///         "Error: fork() failed" or "Error: sigaction() restore failed".
-/// @retval -2 the program could not be executed (status 128), or it exited with status 127 or 128
-///         itself; the cases cannot be told apart. After the run, one line is logged at level 2:
-///         "Failed to start command X" (128) or "Command X not found" (127), X being `argv[0]`.
+/// @retval -2 the status is 127 or 128. 127 means that the program ran and exited with 127. 128
+///         means that it could not be executed, or exited with 128 itself. After the run, one line
+///         is logged at level 2: "Failed to start command X" (128) or "Command X not found" (127),
+///         X being `argv[0]`.
 ///
 /// Call from one thread at a time: SIGCHLD has its default action during the call, so the client's
 /// own handler sees no child exit. The previous action is restored before the call returns or
@@ -99,14 +103,18 @@ int System(const char* const* argv, std::string* output = nullptr, int* exitCode
 ///
 /// @param command the command line. One without arguments, such as one of spaces only, means the
 ///        program name "", which does not exist.
-/// @param output if not null, the captured bytes are appended to it, whatever the result.
+/// @param output if not null, the captured bytes are appended to it, whatever the result. They
+///        arrive in pieces of at most 255 bytes; a NUL byte and the rest of its piece are dropped.
+///        A read that fails or is interrupted ends the capture: the output may be short, and the
+///        call waits for the program.
 /// @param exitCode if not null, receives the exit status (0 to 255) when the result is 0 or -2. If
 ///        the result is -1, `*exitCode` is unchanged.
 /// @retval 0 the program exited with a status other than 127 and 128.
 /// @retval -1 a signal killed the program, waiting for it failed or was interrupted, or a system
 ///         call failed, which writes one line to the standard error stream.
-/// @retval -2 the program could not be executed, or it exited with status 127 or 128. One line is
-///         logged at level 2: "Failed to start command X" (128) or "Command X not found" (127).
+/// @retval -2 the status is 127 or 128. 127 means that the program ran and exited with 127. 128
+///         means that it could not be executed, or exited with 128 itself. One line is logged at
+///         level 2: "Failed to start command X" (128) or "Command X not found" (127).
 /// @throws GXException with code 6 and the translation of "Empty command" if `command` has length
 ///         0.
 ///
@@ -117,9 +125,9 @@ int System(std::string command, std::string* output = nullptr, int* exitCode = n
 ///
 ///     CloseAllFds(3, statusFd);   // in a forked child, before exec
 ///
-/// Descriptors that are not open are skipped. Those from 1024 on stay open. The function is
-/// async-signal-safe and meant for a child between fork() and exec. Elsewhere it also closes the
-/// descriptors of other threads.
+/// Descriptors that are not open are skipped. Those from 1024 on stay open; a program inherits them
+/// unless they are close-on-exec. The function is async-signal-safe and meant for a child between
+/// fork() and exec. Elsewhere it also closes the descriptors of other threads.
 ///
 /// @param firstFd the first descriptor to close. A negative number counts as 0; above 1023 the call
 ///        closes nothing.
@@ -140,23 +148,25 @@ void CloseAllFds(int firstFd, int keepFd);
 ///
 /// No shell is involved. The program is found along `PATH`, unless its name contains "/". It shares
 /// the caller's standard input and, unless a pipe is asked for, the caller's standard output and
-/// error. It inherits no other file descriptor below 1024. The call leaves SIGCHLD alone and may
-/// run on any thread.
+/// error. It inherits no other file descriptor below 1024, but those from 1024 on unless they are
+/// close-on-exec. The call leaves SIGCHLD alone. It may run on several threads at once, while no
+/// thread changes the environment or the locale.
 ///
 /// @param argv the program and its arguments, then a null pointer. The array must not be null. One
 ///        without a program means the program name "", which does not exist.
 /// @param stdoutFd if not null, receives the read end of a new pipe that carries the program's
 ///        standard output. The pipe ends when the program and everything that it started have
 ///        closed it. The caller closes the descriptor, which is blocking and not close-on-exec. If
-///        the result is -1 or -2, `*stdoutFd` is unchanged.
+///        the result is -1 or -2, `*stdoutFd` is unchanged and no pipe stays open.
 /// @param stderrFd if not null, receives the read end of a new pipe that carries the program's
 ///        standard error, under the same conditions.
 /// @return the process id of the program, a child that the caller waits for; or a negative number:
 /// @retval -1 nothing was started: a pipe could not be made or made close-on-exec, or fork()
-///         failed.
-/// @retval -2 the program could not be executed, and its child has been reaped. The same result
-///         means that the read which reports this failed or was interrupted by a signal handler.
-///         The program may then be running unsupervised, so install handlers with SA_RESTART.
+///         failed. The call does not report the reason.
+/// @retval -2 the program could not be executed, and its child has been reaped. Or the read that
+///         reports this failed or was interrupted by a signal handler: then the program may be
+///         running. The caller does not get its process id, and can reap the child only by waiting
+///         for any child. Install handlers with SA_RESTART.
 ///
 /// The call logs nothing. If the program cannot be executed, its child writes the error message and
 /// a newline to its standard error, in the caller's locale, and exits with status 1. The call waits
@@ -172,21 +182,24 @@ int SystemNowait(const char* const* argv, int* stdoutFd = nullptr, int* stderrFd
 ///     }
 ///
 /// SplitCommandLine() splits the command; no shell is involved. The call then does the same as
-/// SystemNowait() with an array, whose comment has all details. It may run on any thread.
+/// SystemNowait() with an array, whose comment has all details. It may run on several threads at
+/// once, while no thread changes the environment or the locale.
 ///
 /// @note Pass a name that others chose in an array: quotes and spaces in it would split a command.
 ///
 /// @param command the command line. One without arguments, such as one of spaces only, means the
 ///        program name "", which does not exist.
 /// @param stdoutFd if not null, receives the read end of a pipe with the program's standard output,
-///        which the caller closes. If the result is -1 or -2, `*stdoutFd` is unchanged.
+///        which the caller closes. If the result is -1 or -2, `*stdoutFd` is unchanged and no pipe
+///        stays open.
 /// @param stderrFd if not null, receives the read end of a pipe with the program's standard error.
 ///        The same conditions hold.
 /// @return the process id of the program, a child that the caller waits for; or a negative number:
 /// @retval -1 nothing was started: a pipe could not be made or made close-on-exec, or fork()
-///         failed.
+///         failed. The call does not report the reason.
 /// @retval -2 the program could not be executed; its child wrote the error message to its standard
-///         error. Or the read which reports this was interrupted, and the program may be running.
+///         error and has been reaped. Or the read that reports this failed or was interrupted: then
+///         the program may be running, and only waiting for any child reaps it.
 /// @throws GXException with code 11 and the translation of "Empty command" if `command` has length
 ///         0.
 int SystemNowait(std::string command, int* stdoutFd = nullptr, int* stderrFd = nullptr);
@@ -291,6 +304,7 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
 ///
 /// @note The function does not return a last line without a newline. It is in `*tail` at the end of
 ///       the text.
+/// @note Each call searches the whole tail, so a line in many pieces takes quadratic time.
 ///
 /// @param chunk the next piece of the text, up to its first NUL byte; may point into `*tail`.
 /// @param tail the unfinished line, which the caller keeps between the calls; empty at first. Must
@@ -314,9 +328,9 @@ std::string LongToString(long value);
 /// A separator or a backslash inside an element gets a backslash before it. A space follows each
 /// separator that is a comma or NUL.
 ///
-/// @note Some lists do not come back: elements lose white space at their ends, a list of one empty
-///       element becomes the empty list, and so does a list of blank elements with a blank
-///       separator.
+/// @note Some lists do not come back. Elements lose white space at their ends: spaces, tabs,
+///       newlines, vertical tabs, form feeds and carriage returns. A list whose text has only white
+///       space becomes the empty list, such as {""}, or {"", ""} with a space as the separator.
 ///
 /// @param elements the strings to store.
 /// @param separator the byte between two elements. It must not be a backslash: a list of several
@@ -356,6 +370,8 @@ bool DecodeStringList(const std::string& text, std::list<std::string>* output, c
 /// than any other, "00" and the empty one included.
 ///
 /// @note Components are not numbers: "1.10" is lower than "1.9", and "1.01" is lower than "1.1".
+/// @note The order is not total, so std::sort() must not use it: "1" equals "1.0", but "1.-" is
+///       higher than "1" and lower than "1.0".
 ///
 /// @param first the first version.
 /// @param second the second version.
@@ -395,13 +411,14 @@ int CompareHexStrings(const char* first, const char* second);
 ///
 /// @param from the encoding of the input: a name that iconv_open() accepts. The empty name is the
 ///        encoding of the locale. "UTF-16" and "UCS-2", in exactly this spelling, mean
-///        little-endian code units without a byte order mark. Must not be null.
-/// @param to the encoding of the output, named in the same way; must not be null.
+///        little-endian code units without a byte order mark.
+/// @param to the encoding of the output, named in the same way.
 /// @param in the input, which may hold NUL bytes; may be null if `inlen` is 0.
 /// @param inlen the number of bytes of the input.
-/// @param out the buffer, which may be null if `outlen` is 0. It is filled with zeros, then the
-///        converted text is written from its start. The text ends at the first zero byte (in a
-///        16-bit encoding: zero code unit), or at the end of the buffer if it fills it.
+/// @param out the buffer, which must not overlap `in` and may be null if `outlen` is 0. It is
+///        filled with zeros, then the converted text is written from its start. The text ends at
+///        the first zero byte (in a 16-bit encoding: zero code unit), or at the end of the buffer
+///        if it fills it.
 /// @param outlen the size of the buffer in bytes.
 /// @throws std::logic_error if a name is null, before the buffer is changed.
 ///
@@ -432,8 +449,8 @@ void Transcode(const char* from, const char* to, const void* in, unsigned long i
 ///
 /// @param from the encoding of the input: a name that iconv_open() accepts. The empty name is the
 ///        encoding of the locale. "UTF-16" and "UCS-2", in exactly this spelling, mean
-///        little-endian code units without a byte order mark. Must not be null.
-/// @param to the encoding of the result, named in the same way; must not be null.
+///        little-endian code units without a byte order mark.
+/// @param to the encoding of the result, named in the same way.
 /// @param in the text to convert, which may hold NUL bytes.
 /// @return the converted text up to its first zero byte. A text of more than four bytes for each
 ///         byte of `in`, and eight more, is cut. If iconv_open() does not know an encoding, the
@@ -548,7 +565,7 @@ void SHA256Digest(const std::string& data, unsigned char* digest);
 ///       part before the first "/" is dropped, and "x" means "/x". Without it, the path counts from
 ///       the working directory.
 ///
-/// @param path the absolute path of the directory.
+/// @param path the absolute path of the directory; must not contain NUL bytes.
 /// @param recursive whether to create the missing directories above it as well.
 /// @retval true the path exists now.
 /// @retval false a directory could not be created, and `errno` has the reason. Directories created
@@ -569,13 +586,12 @@ bool CheckCreateDir(std::string path, bool recursive);
 /// The path is "/tmp/", `name` and six characters that make it unique. `TMPDIR` does not count. The
 /// caller closes the descriptor and removes the file.
 ///
-/// @param name the first part of the name of the file, at most 500 bytes (249 on most file
-///        systems), without a NUL byte. A name with "/" means a file in a directory below /tmp,
-///        which must exist; ".." in it leads out of /tmp.
+/// @param name the first part of the name of the file: at most 500 bytes (249 on most file
+///        systems), none of which may be NUL. A name with "/" means a file in a directory below
+///        /tmp, which must exist; ".." in it leads out of /tmp.
 /// @param fd if not null, receives the file descriptor, open for reading and writing and not
 ///        close-on-exec; -1 on failure. If null, the file is closed.
-/// @return the path; the empty string if the file could not be created, and `errno` has the reason
-///         (EINVAL for a name that is too long or has a NUL byte).
+/// @return the path; the empty string if the file could not be created, and `errno` has the reason.
 std::string GenerateTempFile(std::string name, int* fd);
 
 /// Removes a file, or a symbolic link itself.
@@ -602,7 +618,7 @@ std::string winGetTempDir();
 ///     calcHomeDir("ann")   // "/home/ann"; /home/ann/.gannorex exists now
 ///
 /// The result is the value of `HOME`, unchanged. Only if that is "/", the password database
-/// decides.
+/// decides: Transcode() converts the name, which logs losses, and getpwnam() looks it up.
 ///
 /// @note Each call creates ".gannorex" if it does not exist, but not the directories above it. The
 ///       function does not report that this failed. An empty home means the root directory here.
@@ -612,8 +628,9 @@ std::string winGetTempDir();
 /// @return the value of `HOME`; the empty string if it is not set. If it is "/", the home directory
 ///         of `user` in the password database, or "/root" for an unknown user.
 ///
-/// Call from one thread at a time, while no other thread changes the environment or reads the
-/// password database. Transcode() converts the name and logs losses.
+/// The call may run on several threads at once, while no thread changes the environment. If `HOME`
+/// is "/", call from one thread at a time, while no other thread reads the password database or
+/// changes the locale.
 std::string calcHomeDir(std::string user);
 
 /// Returns the name of the running user in UTF-8.
@@ -626,9 +643,10 @@ std::string calcHomeDir(std::string user);
 /// @return the first of `LOGNAME`, `USERNAME` and `USER` that is set, even if it is empty; else the
 ///         login name of the real user id; the empty string if it has none.
 ///
-/// Call from one thread at a time, while no other thread changes the environment or reads the
-/// password database. Transcode() converts the name from the encoding of the locale and logs
-/// losses.
+/// Transcode() converts the name from the encoding of the locale and logs losses. The call may run
+/// on several threads at once, while no thread changes the environment or the locale. If no
+/// variable is set, getpwuid() looks the name up: call from one thread at a time, while no other
+/// thread reads the password database.
 std::string calcRunningUser();
 
 /// Puts the installation prefix before a relative path.
