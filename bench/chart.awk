@@ -53,7 +53,8 @@ END {
     printf "<path class='line' d='M%d %dv17'/>\n", left + one, y + 16
     if (ratio > limit)
       printf "<path d='M%.0f %d l6 -19 h5 l-6 19z' class='page'/>\n", left + length_ - 26, y + 34
-    text(left + length_ + 6, y + 29, "label", sprintf("%.2f", ratio))
+    end = length_ < one && length_ > one - 40 ? one : length_  # not across the line at 1
+    text(left + end + 6, y + 29, "label", sprintf("%.2f", ratio))
   }
   print "</svg>"
 }
