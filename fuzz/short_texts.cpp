@@ -1,32 +1,29 @@
-// Runs a target over its short texts. With an argument, prints their tokens for libFuzzer instead.
+// Checks every text of up to so many tokens.
 
-#include <csignal>
+#include <vector>
 
-#include <unistd.h>
+#include <gtest/gtest.h>
 
-#include "fuzz.h"
+#include "check.h"
 
-namespace {
+using Tokens = std::vector<std::string>;
 
-std::string input;
-
-void PrintInput(int) { (void)dprintf(STDERR_FILENO, "input:    %s\n", Shown(input).c_str()); }
-
-void CheckAll(const TextSet& set, std::size_t left, const std::string& text) {
-  Check(input = text);
-  if (left == 0) return;
-  for (const std::string& token : set.tokens) CheckAll(set, left - 1, text + token);
+void CheckTexts(const Tokens& tokens, std::size_t count, const std::string& beginning = "") {
+  if (testing::Test::HasFailure()) return;
+  CheckText(beginning);
+  if (count == 0) return;
+  for (const std::string& token : tokens) CheckTexts(tokens, count - 1, beginning + token);
 }
 
-}  // namespace
-
-int main(int count, char**) {
-  (void)std::signal(SIGABRT, PrintInput);
-  for (const TextSet& set : ShortTexts()) {
-    if (count == 1) {
-      CheckAll(set, set.count, "");
-      continue;
-    }
-    for (const std::string& token : set.tokens) std::puts(Shown(token).c_str());
-  }
+TEST(ShortTexts, OfAnyByte) {
+  Tokens bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes.emplace_back(1, static_cast<char>(byte));
+  CheckTexts(bytes, 2);
 }
+
+TEST(ShortTexts, OfDigitsAndQuotes) { CheckTexts({"A", "=", "/", " ", "\""}, 6); }
+TEST(ShortTexts, OfListElements) {
+  CheckTexts({",", "\\", "a", " ", ";", std::string(1, '\0')}, 5);
+}
+TEST(ShortTexts, OfLines) { CheckTexts({"\r", "\n", "a"}, 6); }
+TEST(ShortTexts, OfNumbers) { CheckTexts({"0x", "0", "1", ".", "a", "A", "\xFF", "|"}, 5); }

@@ -12,7 +12,6 @@ scripts/setup.sh check
 # useStlAlgorithm: a loop of one line needs no algorithm.
 # getpwnamCalled, getpwuidCalled: the header requires one thread for these two.
 # readdirCalled, strtokCalled: only in tests, which use them in one thread.
-# assertWithSideEffect: the assertions of the fuzz targets hold in every build type.
 # redundantContinue: it is the body of a loop that needs none.
 # accessMoved, shadowFunction: wrong about the range of a for statement and about a variable with
 #   parentheses; clang-tidy and the compilers look for both.
@@ -21,7 +20,7 @@ scripts/setup.sh check
 options=('--enable=warning,style,performance,portability' --language=c++ --std=c++17 --quiet
   --library=posix --library=googletest -I common -I tests --error-exitcode=1)
 for check in passedByValue useStlAlgorithm getpwnamCalled getpwuidCalled readdirCalled \
-  strtokCalled assertWithSideEffect redundantContinue accessMoved shadowFunction \
+  strtokCalled redundantContinue accessMoved shadowFunction \
   leakNoVarFunctionCall normalCheckLevelMaxBranches; do
   options+=("--suppress=$check")
 done
