@@ -17,18 +17,11 @@ static Armed* armed = nullptr;  // the innermost one
 Armed::Armed(const Fault& fault) : fault_(fault), outer_(std::exchange(armed, this)) {}
 
 Armed::~Armed() {
-  if (disarmed_) return;
-  (void)Disarm();
-  EXPECT_TRUE(fired_) << "the fault did not fire";
-}
-
-bool Armed::Disarm() {
   armed = outer_;
-  disarmed_ = true;
-  return fired_;
+  EXPECT_TRUE(fired_ || !fault_.required) << "the fault did not fire";
 }
 
-// The fault that this call of `call` has; null if the call is to work. Sets errno.
+// The fault that this use of the call has; null if the call is to work. Sets errno.
 const Fault* Firing(Call call) {
   for (Armed* each = armed; each != nullptr; each = each->outer_) {
     const Fault& fault = each->fault_;
@@ -52,60 +45,39 @@ void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 // The linker puts __wrap_x() in the place of x(), which is then called __real_x().
 extern "C" {
 
-// A call that returns -1 if it fails.
-#define FAILING(call, result, name, parameters, arguments)            \
-  result __real_##name parameters;                                    \
-  result __wrap_##name parameters {                                   \
-    return Firing(Call::call) ? (result)-1 : __real_##name arguments; \
+// `failed` is the result of a call that fails; it may use the Fault `fault`.
+#define WRAP(call, result, name, failed, parameters, arguments) \
+  result __real_##name parameters;                              \
+  result __wrap_##name parameters {                             \
+    const Fault* fault = Firing(Call::call);                    \
+    return fault ? failed : __real_##name arguments;            \
   }
 
-FAILING(kExecvp, int, execvp, (const char* file, char* const* argv), (file, argv))
-FAILING(kFork, pid_t, fork, (), ())
-FAILING(kIconvOpen, iconv_t, iconv_open, (const char* to, const char* from), (to, from))
-FAILING(kMkdir, int, mkdir, (const char* path, mode_t mode), (path, mode))
-FAILING(kPipe, int, pipe2, (int ends[2], int flags), (ends, flags))
-FAILING(kPoll, int, poll, (pollfd * fds, nfds_t count, int timeout), (fds, count, timeout))
-FAILING(kRead, ssize_t, read, (int fd, void* buffer, std::size_t size), (fd, buffer, size))
-FAILING(kSigaction, int, sigaction,
-        (int signal, const struct sigaction* action, struct sigaction* old), (signal, action, old))
-FAILING(kWaitpid, pid_t, waitpid, (pid_t pid, int* status, int options), (pid, status, options))
+WRAP(kExecvp, int, execvp, -1, (const char* file, char* const* argv), (file, argv))
+WRAP(kFork, pid_t, fork, -1, (), ())
+WRAP(kIconvOpen, iconv_t, iconv_open, reinterpret_cast<iconv_t>(-1),
+     (const char* to, const char* from), (to, from))
+WRAP(kMkdir, int, mkdir, -1, (const char* path, mode_t mode), (path, mode))
+WRAP(kPipe, int, pipe2, -1, (int ends[2], int flags), (ends, flags))
+WRAP(kPoll, int, poll, -1, (pollfd * fds, nfds_t count, int timeout), (fds, count, timeout))
+WRAP(kRead, ssize_t, read, -1, (int fd, void* buffer, std::size_t size), (fd, buffer, size))
+WRAP(kSigaction, int, sigaction, -1,
+     (int signal, const struct sigaction* action, struct sigaction* old), (signal, action, old))
+WRAP(kWaitpid, pid_t, waitpid, -1, (pid_t pid, int* status, int options), (pid, status, options))
 // The module passes integers only to these two variadic calls.
-FAILING(kFcntl, int, fcntl, (int fd, int command, long argument), (fd, command, argument))
-FAILING(kCloseRange, long, syscall, (long number, long a, long b, long c), (number, a, b, c))
+WRAP(kFcntl, int, fcntl, -1, (int fd, int command, long argument), (fd, command, argument))
+WRAP(kCloseRange, long, syscall, -1, (long number, long a, long b, long c), (number, a, b, c))
 
-std::size_t __real_iconv(iconv_t, char** in, std::size_t*, char** out, std::size_t*);
-std::size_t __wrap_iconv(iconv_t to, char** in, std::size_t* inSize, char** out,
-                         std::size_t* outSize) {
-  const Fault* fault = Firing(Call::kIconv);
-  if (fault == nullptr) return __real_iconv(to, in, inSize, out, outSize);
-  return fault->error == 0 ? 2 : static_cast<std::size_t>(-1);
-}
-
-std::FILE* __real_fopen(const char* path, const char* mode);
-std::FILE* __wrap_fopen(const char* path, const char* mode) {
-  const Fault* fault = Firing(Call::kFopen);
-  return fault ? static_cast<std::FILE*>(fault->answer) : __real_fopen(path, mode);
-}
-
-passwd* __real_getpwnam(const char* name);
-passwd* __wrap_getpwnam(const char* name) {
-  const Fault* fault = Firing(Call::kGetpwnam);
-  lookedUp = name;
-  return fault ? static_cast<passwd*>(fault->answer) : __real_getpwnam(name);
-}
-
-passwd* __real_getpwuid(uid_t user);
-passwd* __wrap_getpwuid(uid_t user) {
-  const Fault* fault = Firing(Call::kGetpwuid);
-  lookedUp = std::to_string(user);
-  return fault ? static_cast<passwd*>(fault->answer) : __real_getpwuid(user);
-}
-
-char* __real_strerror(int error);
-char* __wrap_strerror(int error) {
-  const Fault* fault = Firing(Call::kStrerror);
-  return fault ? static_cast<char*>(fault->answer) : __real_strerror(error);
-}
+WRAP(kFopen, std::FILE*, fopen, static_cast<std::FILE*>(fault->answer),
+     (const char* path, const char* mode), (path, mode))
+WRAP(kGetpwnam, passwd*, getpwnam, (lookedUp = name, static_cast<passwd*>(fault->answer)),
+     (const char* name), (name))
+WRAP(kGetpwuid, passwd*, getpwuid,
+     (lookedUp = std::to_string(user), static_cast<passwd*>(fault->answer)), (uid_t user), (user))
+WRAP(kStrerror, char*, strerror, static_cast<char*>(fault->answer), (int error), (error))
+WRAP(kIconv, std::size_t, iconv, static_cast<std::size_t>(fault->error == 0 ? 2 : -1),
+     (iconv_t to, char** in, std::size_t* inSize, char** out, std::size_t* outSize),
+     (to, in, inSize, out, outSize))
 
 #ifdef GXCLIENT_COVERAGE
 // The counters of a forked child are written before it exits.

@@ -23,7 +23,7 @@ enum class Call {
   kRead,
   kSigaction,
   kStrerror,
-  kWaitpid,
+  kWaitpid
 };
 
 constexpr int kEachTime = 0;
@@ -31,25 +31,21 @@ constexpr int kEachTime = 0;
 /// One call that fails, or has the answer of the test.
 struct Fault {
   Call call;
-  int nth = 1;  ///< from now on; or kEachTime
-  int error = EINTR;
-  /// The result of fopen(), getpwnam(), getpwuid() and strerror().
-  void* answer = nullptr;
-  // With the error 0, iconv() has converted nothing and replaced two characters.
+  int nth = 1;             ///< from now on; or kEachTime
+  int error = EINTR;       ///< 0 makes iconv() convert nothing and replace two characters
+  bool required = true;    ///< the test fails unless it fires; one in a forked child fires unseen
+  void* answer = nullptr;  ///< of fopen(), getpwnam(), getpwuid() and strerror()
 };
 
-/// Arms a fault while it exists. Calls of the test framework count as well: arm late, disarm early.
+/// Arms a fault while it exists. Calls of the test framework count as well: arm late, for a short time.
 class Armed {
  public:
   explicit Armed(const Fault& fault);
   Armed(const Armed&) = delete;
   Armed& operator=(const Armed&) = delete;
-  /// Fails the test if the fault did not fire.
   ~Armed();
 
-  /// For a fault that need not fire, or fires in a forked child, unseen: ends it and returns whether
-  /// it has fired here.
-  bool Disarm();
+  bool Fired() const { return fired_; }
 
  private:
   friend const Fault* Firing(Call call);
@@ -57,7 +53,6 @@ class Armed {
   Fault fault_;
   int calls_ = 0;
   bool fired_ = false;
-  bool disarmed_ = false;
   Armed* outer_;
 };
 

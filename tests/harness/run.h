@@ -3,8 +3,13 @@
 #pragma once
 
 #include <csignal>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <filesystem>
 #include <functional>
+#include <new>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -18,7 +23,7 @@
 #include "gxclient_util.h"
 #include "harness/fault.h"
 #include "harness/log.h"
-#include "harness/temp_dir.h"
+#include "support/gxexception.h"
 
 constexpr int kUnwritten = -77;  ///< what an output parameter holds before a call
 
@@ -29,45 +34,134 @@ struct Outcome {
   std::string output;
   std::string errors;  ///< what arrived at the standard error
   std::string log;
-  std::string thrown;  ///< the code and the message of an exception, as in "6 Empty command"
+  std::string thrown;  ///< the code and the message of a GXException, as in "6 Empty command"
   bool childLeft = false;
 
   bool operator==(const Outcome&) const = default;
 };
-std::ostream& operator<<(std::ostream& out, const Outcome& outcome);
+
+inline std::ostream& operator<<(std::ostream& out, const Outcome& seen) {
+  return out << "result " << seen.result << ", status " << seen.status
+             << (seen.childLeft ? ", a child is left" : "") << "\noutput: " << seen.output
+             << "\nerrors: " << seen.errors << "\nlog: " << seen.log << "\nthrown: " << seen.thrown;
+}
+
+inline Outcome Observe(const std::optional<Fault>& fault,
+                       const std::function<void(Outcome&)>& call) {
+  Outcome seen;
+  logged.clear();
+  testing::internal::CaptureStderr();
+  try {
+    std::optional<Armed> armed;
+    if (fault) armed.emplace(*fault);
+    call(seen);
+  } catch (const GXException& error) {
+    seen.thrown = std::to_string(error.code()) + " " + error.what();
+  }
+  seen.errors = testing::internal::GetCapturedStderr();
+  seen.log = logged;
+  seen.childLeft = waitpid(-1, nullptr, 0) > 0;
+  return seen;
+}
 
 /// Calls System().
-Outcome RunProgram(const std::string& command, std::optional<Fault> fault = {});
+inline Outcome RunProgram(const std::string& command, std::optional<Fault> fault = {}) {
+  return Observe(fault, [&](Outcome& seen) {
+    seen.result = GXUtils::System(command, &seen.output, &seen.status);
+  });
+}
 
 /// Calls SystemNowait() without output pipes.
-Outcome StartProgram(const std::string& command, std::optional<Fault> fault = {});
+inline Outcome StartProgram(const std::string& command, std::optional<Fault> fault = {}) {
+  return Observe(fault, [&](Outcome& seen) { seen.result = GXUtils::SystemNowait(command); });
+}
 
 /// Runs `body` in a forked child, where it may change the environment, limits and descriptors.
 /// Returns whether every expectation in it held.
-bool PassesInChild(const std::function<void()>& body);
+inline bool PassesInChild(const std::function<void()>& body) {
+  std::fflush(nullptr);
+  const pid_t pid = fork();
+  if (pid == 0) {
+    body();
+    std::fflush(nullptr);
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = -1;
+  return waitpid(pid, &status, 0) == pid && status == 0;
+}
 
 /// Closes the standard descriptors in the set: bit 0 for descriptor 0, and so on. For a child.
-void CloseStandard(int set);
+inline void CloseStandard(int set) {
+  for (int fd = 0; fd <= 2; ++fd) {
+    if ((set & 1 << fd) != 0) (void)close(fd);
+  }
+}
 
 /// A handler for SIGCHLD that leaves no child to anybody else.
-void ReapEveryChild(int signal);
+inline void ReapEveryChild(int /*signal*/) {
+  const int before = errno;
+  while (waitpid(-1, nullptr, WNOHANG) > 0) {
+  }
+  errno = before;
+}
 
-/// Reads the descriptor to its end.
-std::string ReadAll(int fd);
+/// Reads the descriptor to its end and closes it.
+inline std::string ReadAll(int fd) {
+  std::string all;
+  for (char byte = 0; read(fd, &byte, 1) == 1;) all += byte;
+  (void)close(fd);
+  return all;
+}
+
+/// The open descriptors and the action for SIGCHLD.
+inline std::string ProcessState() {
+  std::string state;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    state += entry.path().filename().string() + " on " + read_symlink(entry).string() + "\n";
+  }
+  struct sigaction action = {};
+  (void)sigaction(SIGCHLD, nullptr, &action);
+  constexpr int kAddedByLibc = 0x04000000;  // SA_RESTORER
+  const auto handler = reinterpret_cast<std::uintptr_t>(action.sa_handler);
+  return state + "SIGCHLD: handler " + std::to_string(handler) + ", flags " +
+         std::to_string(action.sa_flags & ~kAddedByLibc);
+}
 
 /// Fails the test unless it ends with the descriptors and the SIGCHLD action that it began with,
 /// and without a child.
-class LeakCheck {
- public:
-  LeakCheck();
+struct LeakCheck {
+  LeakCheck() = default;
   LeakCheck(const LeakCheck&) = delete;
   LeakCheck& operator=(const LeakCheck&) = delete;
-  ~LeakCheck();
+  ~LeakCheck() {
+    EXPECT_EQ(ProcessState(), before);
+    const pid_t left = waitpid(-1, nullptr, WNOHANG);
+    EXPECT_TRUE(left < 0 && errno == ECHILD) << "a child is left";
+  }
 
- private:
-  std::string before_;
+  const std::string before = ProcessState();
 };
 
 /// Repeats `call` with the first, second, ... use of each library function failing, until none
 /// fails. The call may return or throw anything, but leaves no descriptor and no zombie behind.
-void LeavesNothingBehind(const std::function<void()>& call);
+inline void LeavesNothingBehind(const std::function<void()>& call) {
+  // Not sigaction(): an action that cannot be restored stays.
+  for (const Call which : {Call::kFcntl, Call::kFopen, Call::kFork, Call::kIconv, Call::kIconvOpen,
+                           Call::kNew, Call::kPipe, Call::kPoll, Call::kRead, Call::kWaitpid}) {
+    bool failed = true;
+    for (int nth = 1; failed; ++nth) {
+      SCOPED_TRACE(testing::Message() << "Call " << static_cast<int>(which) << ", use " << nth);
+      ASSERT_LT(nth, 300) << "it never succeeds";
+      const LeakCheck leaks;
+      try {
+        const Armed fault({.call = which, .nth = nth, .required = false});
+        failed = true;
+        call();
+        failed = fault.Fired();
+      } catch (const std::bad_alloc&) {
+      }
+      while (waitpid(-1, nullptr, 0) > 0) {  // a program that was started, or may have been
+      }
+    }
+  }
+}
