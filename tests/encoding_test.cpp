@@ -24,7 +24,7 @@ using Result = std::pair<std::string, std::string>;
 
 // Converts into a buffer of `size` bytes, and returns all of it.
 Result Convert(const char* from, const char* to, const std::string& text, std::size_t size) {
-  const std::vector<char> input(text.begin(), text.end());  // a read past its end is noticed
+  const std::vector<char> input(text.begin(), text.end());  // a sanitizer notices reads past it
   std::string buffer = std::string(size, '?') + "guard";
   logged.clear();
   Transcode(from, to, input.data(), input.size(), size == 0 ? nullptr : buffer.data(), size);
@@ -32,12 +32,10 @@ Result Convert(const char* from, const char* to, const std::string& text, std::s
   return {buffer.substr(0, size), logged};
 }
 
-TEST(Transcode, FillsTheRestOfTheBufferWithZeros) {
+TEST(Transcode, ConvertsAndFillsTheRestWithZeros) {
   EXPECT_EQ(Convert("ISO-8859-1", "UTF-8", "a\xE4", 5), Result("aä\0\0"s, ""));
-  EXPECT_EQ(Convert("UTF-8", "UTF-8", "abc", 3), Result("abc", ""));
   EXPECT_EQ(Convert("UTF-8", "UTF-8", "", 2), Result("\0\0"s, ""));
   // Little-endian, without a byte order mark.
-  EXPECT_EQ(Convert("UTF-16", "UTF-8", "A\0B\0"s, 4), Result("AB\0\0"s, ""));
   EXPECT_EQ(Convert("UTF-8", "UCS-2", "Ab", 4), Result("A\0b\0"s, ""));
 }
 
@@ -46,11 +44,12 @@ TEST(Transcode, ReportsATextThatDoesNotFit) {
   EXPECT_EQ(Convert("UTF-8", "UTF-8", "a", 0), Result("", kNoSpace));
 }
 
-TEST(Transcode, StopsAtBadInput) {
+TEST(Transcode, ReportsBadInput) {
   EXPECT_EQ(Convert("UTF-8", "UTF-8", "a\xC3", 3), Result("a\0\0"s, kBadInput));
   // A character that the target lacks is dropped, if iconv can.
   EXPECT_EQ(Convert("UTF-8", "ISO-8859-1", "a€b", 3), Result("ab\0"s, kBadInput));
-  const Armed noIgnoring({.call = Call::kIconvOpen, .error = EINVAL});
+  // Otherwise the text ends there.
+  const Armed firstOpen({.call = Call::kIconvOpen, .error = EINVAL});
   EXPECT_EQ(Convert("UTF-8", "ISO-8859-1", "a€b", 3), Result("a\0\0"s, kBadInput));
 }
 
@@ -70,13 +69,13 @@ TEST(Transcode, NamesTheEncodingsThatItCannotConvert) {
 
 TEST(Transcode, KeepsAsciiIfIconvCannotConvertFromOrToTheLocale) {
   const Armed refused(kNoIconv);
-  const std::string from = kUnable + "UTF-8 to \n" + kFallback;
-  EXPECT_EQ(Convert("UTF-8", "", "Grüße", 8), Result("Gre\0\0\0\0\0"s, from));
-  const std::string to = kUnable + " to UTF-8\n" + kFallback;
-  EXPECT_EQ(Convert("", "UTF-8", "abcdef", 4), Result("abc\0"s, to));
-  EXPECT_EQ(Convert("", "UTF-8", "éab", 4), Result("a\0\0\0"s, to));
-  EXPECT_EQ(Convert("", "UTF-8", "a\0b"s, 4), Result("a\0\0\0"s, to));
-  EXPECT_EQ(Convert("", "UTF-8", "a", 0), Result("", to));
+  const std::string toLocale = kUnable + "UTF-8 to \n" + kFallback;
+  EXPECT_EQ(Convert("UTF-8", "", "Grüße", 8), Result("Gre\0\0\0\0\0"s, toLocale));
+  const std::string fromLocale = kUnable + " to UTF-8\n" + kFallback;
+  EXPECT_EQ(Convert("", "UTF-8", "abcdef", 4), Result("abc\0"s, fromLocale));
+  EXPECT_EQ(Convert("", "UTF-8", "éab", 4), Result("a\0\0\0"s, fromLocale));  // of three bytes
+  EXPECT_EQ(Convert("", "UTF-8", "a\0b"s, 4), Result("a\0\0\0"s, fromLocale));
+  EXPECT_EQ(Convert("", "UTF-8", "a", 0), Result("", fromLocale));
 }
 
 TEST(Transcode, ThrowsForANullNameAndKeepsTheBuffer) {
@@ -92,10 +91,9 @@ TEST(TranscodeString, IsTheTextUpToItsFirstZeroByte) {
   EXPECT_EQ(Transcode("unknown", "UTF-8", "ab"), "");
 }
 
-TEST(TranscodeString, MayFillItsRoom) {
-  const std::string text = Transcode("TSCII", "UTF-8", "\x82");  // one byte becomes twelve
-  if (text.empty()) GTEST_SKIP() << "iconv does not know TSCII";
-  EXPECT_EQ(text, "ஸ்ரீ");
+TEST(TranscodeString, HasRoomForTwelveBytesFromOne) {
+  if (Transcode("TSCII", "UTF-8", "A").empty()) GTEST_SKIP() << "iconv does not know TSCII";
+  EXPECT_EQ(Transcode("TSCII", "UTF-8", "\x82"), "ஸ்ரீ");
 }
 
 Result Lower(const std::string& text) {
@@ -123,7 +121,7 @@ TEST(ToLower, IsEmptyIfIconvCannotConvert) {
 }
 
 TEST(Encodings, LeaveNothingBehind) {
-  const std::string text(300, 'A');
+  const std::string text(100, 'A');
   LeavesNothingBehind([&] { Transcode("UTF-8", "", text); });
   LeavesNothingBehind([&] { ToLower(text); });
 }

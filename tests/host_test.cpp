@@ -1,10 +1,8 @@
 // Files, users and the host.
 
 #include <climits>
-#include <clocale>
 #include <fstream>
 
-#include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,7 +26,8 @@ TEST(CheckCreateDir, MakesTheMissingDirectoriesAboveIfRecursive) {
   umask(022);
   EXPECT_TRUE(CheckCreateDir(top.path + "/a//b/", true));
   EXPECT_EQ(Mode(top.path + "/a/b"), 0755);
-  EXPECT_TRUE(CheckCreateDir("x" + top.path + "/c", true));  // counts from the first slash
+  EXPECT_TRUE(
+      CheckCreateDir("x" + top.path + "/c", true));  // what precedes the first slash is dropped
   EXPECT_TRUE(CheckFileExist(top.path + "/c"));
   EXPECT_TRUE(CheckCreateDir(top.path + "/d", false));
   EXPECT_EQ(Mode(top.path + "/d"), 0755);
@@ -51,23 +50,25 @@ TEST(CheckCreateDir, TakesAnyFileForTheDirectory) {
 }
 
 TEST(GenerateTempFile, MakesAFileForItsOwner) {
-  int fd = -2;
+  int fd = kUnwritten;
   umask(0777);
   const std::string path = GenerateTempFile("abc", &fd);
   umask(022);
   EXPECT_EQ(path.substr(0, 8), "/tmp/abc");
-  EXPECT_EQ(path.size(), 14U);
+  EXPECT_EQ(path.size(), 14U);  // and six characters
   EXPECT_EQ(Mode(path), 0600);
   EXPECT_EQ(write(fd, "text", 4), 4);
+  EXPECT_EQ(std::filesystem::file_size(path), 4U);
   EXPECT_EQ(close(fd), 0);
   EXPECT_EQ(unlink(path.c_str()), 0);
 }
 
 TEST(GenerateTempFile, TakesNamesOfUpTo500Bytes) {
+  // Slashes, because a single name of 500 bytes is too long for a file system.
   const std::string path = GenerateTempFile(std::string(500, '/'), nullptr);
   EXPECT_EQ(unlink(path.c_str()), 0);
   for (const std::string& name : {std::string(501, '/'), "a\0b"s, "no/such/directory"s}) {
-    int fd = -2;
+    int fd = kUnwritten;
     EXPECT_EQ(GenerateTempFile(name, &fd), "");
     EXPECT_EQ(fd, -1);
   }
@@ -84,7 +85,7 @@ TEST(winGetTempDir, IsEmpty) { EXPECT_EQ(winGetTempDir(), ""); }
 
 void Set(const char* name, const char* value) { (void)setenv(name, value, 1); }
 
-TEST(calcHomeDir, IsTheVariableAsItIs) {
+TEST(calcHomeDir, IsHomeAsItIsAndMakesItsDirectory) {
   const TempDir top;
   umask(022);
   Set("HOME", top.path.c_str());
@@ -107,10 +108,10 @@ TEST(calcHomeDir, AsksThePasswordDatabaseIfHomeIsTheRootDirectory) {
     const Armed refused({.call = Call::kIconvOpen, .nth = kEachTime});
     EXPECT_EQ(calcHomeDir("aén"), top.path);
   }
-  EXPECT_EQ(lookedUp, "an");  // in the encoding of the locale
+  EXPECT_EQ(lookedUp, "an");  // converted for the locale: ASCII without iconv
   const Armed unknown({.call = Call::kGetpwnam});
   const Armed refused({.call = Call::kMkdir, .required = false});  // "/root/.gannorex" may exist
-  EXPECT_EQ(calcHomeDir("nobody"), "/root");
+  EXPECT_EQ(calcHomeDir("ann"), "/root");
 }
 
 TEST(calcRunningUser, IsTheFirstVariableThatIsSet) {
@@ -124,7 +125,7 @@ TEST(calcRunningUser, IsTheFirstVariableThatIsSet) {
   EXPECT_EQ(calcRunningUser(), "bob");
   Set("LOGNAME", "");
   EXPECT_EQ(calcRunningUser(), "");
-  Set("LOGNAME", "aén");  // in the encoding of the locale
+  Set("LOGNAME", "aén");  // converted from the locale: ASCII without iconv
   const Armed refused({.call = Call::kIconvOpen, .nth = kEachTime});
   EXPECT_EQ(calcRunningUser(), "an");
 }
@@ -134,7 +135,7 @@ TEST(calcRunningUser, AsksThePasswordDatabaseWithoutAVariable) {
   char name[] = "ann";
   passwd entry = {};
   entry.pw_name = name;
-  (void)!seteuid(1001);  // the real user counts
+  (void)!seteuid(1001);  // if permitted: the real user counts
   {
     const Armed known({.call = Call::kGetpwuid, .answer = &entry});
     EXPECT_EQ(calcRunningUser(), "ann");
@@ -160,7 +161,7 @@ int BogoMips(std::string list) {
 }
 
 TEST(GetBogoMips, AddsUpTheProcessors) {
-  EXPECT_EQ(BogoMips("bogomips\t: 5986.12\nx\nbogomips : 5986.99\n"), 11972);
+  EXPECT_EQ(BogoMips("bogomips\t: 5986.12\nx\nbogomips : 5986.99\n"), 11972);  // integers
   EXPECT_EQ(BogoMips("bogomips: none"), 0);
   EXPECT_EQ(BogoMips("bogomips: 99999999999999999999\nbogomips: 5"), INT_MAX);
   EXPECT_EQ(BogoMips("bogomips: -9999999999\nbogomips: -1"), INT_MIN);
@@ -170,7 +171,7 @@ TEST(GetBogoMips, AddsUpTheProcessors) {
 
 TEST(GetBogoMips, IsMinusOneWithoutAProcessor) {
   EXPECT_EQ(BogoMips("BogoMIPS: 1\n bogomips: 1\nbogomip: 1\nbogomips 1\n"), -1);
-  EXPECT_EQ(BogoMips("bogomips" + std::string(247, ' ') + ":5\n"), -1);
+  EXPECT_EQ(BogoMips("bogomips" + std::string(247, ' ') + ":5\n"), -1);  // in the next piece
   {
     const Armed unreadable({.call = Call::kFopen, .answer = std::fopen("/", "r")});
     EXPECT_EQ(GetBogoMips(), -1);
@@ -186,12 +187,12 @@ struct Records : std::vector<Exportdata*> {
   }
 };
 
-// The result, and the path and access of each record.
+// The result, and the path and access (0 none, 1 ro, 2 rw) of each record.
 using Exports = std::pair<int, std::vector<std::pair<std::string, int>>>;
 
 Exports Parse(const std::string& option) {
   Records records;
-  records.push_back(nullptr);  // which goes
+  records.push_back(nullptr);  // the call empties the list
   Exports exports = {parse_nfs_export_option(option, records), {}};
   for (const Exportdata* record : records) {
     exports.second.emplace_back(record->path, record->access);
@@ -202,9 +203,10 @@ Exports Parse(const std::string& option) {
 TEST(parse_nfs_export_option, MakesARecordForEachPair) {
   EXPECT_EQ(Parse("/home/ann,rw,/usb,ro"), Exports(1, {{"/home/ann", 2}, {"/usb", 1}}));
   EXPECT_EQ(Parse("/srv/x,disabled"), Exports(1, {{"/srv/x", 0}}));
-  EXPECT_EQ(Parse("/a\\,b\\\\c\\d,ro"), Exports(1, {{"/a,b\\c\\d", 1}}));
+  EXPECT_EQ(Parse(R"(/a\,b\\c\d,ro)"), Exports(1, {{R"(/a,b\c\d)", 1}}));
   EXPECT_EQ(Parse("\xFF\0x,ro"s), Exports(1, {{"\xFF\0x"s, 1}}));
-  EXPECT_EQ(Parse("/a,ro,\xFF"), Exports(1, {{"/a", 1}, {"", 0}}));  // taken for the end
+  EXPECT_EQ(Parse("/a,ro,\xFF"),
+            Exports(1, {{"/a", 1}, {"", 0}}));  // alone it is taken for the end
   EXPECT_EQ(Parse(",/a,ro,"), Exports(1, {{"", 0}, {"/a", 1}, {"", 0}}));
 }
 
@@ -216,7 +218,7 @@ TEST(parse_nfs_export_option, ReturnsZeroForAnInvalidPair) {
 
 TEST(Host, LeavesNothingBehind) {
   const TempDir top;
-  const std::string name = "../" + top.path + "/" + std::string(100, 'x');
+  const std::string name = "../" + top.path + "/" + std::string(100, 'x');  // a file in top
   LeavesNothingBehind([&] { (void)unlink(GenerateTempFile(name, nullptr).c_str()); });
   EXPECT_TRUE(std::filesystem::is_empty(top.path));
   LeavesNothingBehind([] { GetBogoMips(); });

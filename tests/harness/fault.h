@@ -31,7 +31,7 @@ constexpr int kEachTime = 0;
 /// One call that fails, or has the answer of the test.
 struct Fault {
   Call call;
-  int nth = 1;             ///< from now on; or kEachTime
+  int nth = 1;             ///< counted from now; or kEachTime
   int error = EINTR;       ///< 0 makes iconv() convert nothing and replace two characters
   bool required = true;    ///< the test fails unless it fires; one in a forked child fires unseen
   void* answer = nullptr;  ///< of fopen(), getpwnam(), getpwuid() and strerror()

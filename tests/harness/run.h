@@ -77,7 +77,7 @@ inline Outcome StartProgram(const std::string& command, std::optional<Fault> fau
 }
 
 /// Runs `body` in a forked child, where it may change the environment, limits and descriptors.
-/// Returns whether every expectation in it held.
+/// Returns whether every expectation of the test held so far. The body must not throw.
 inline bool PassesInChild(const std::function<void()>& body) {
   std::fflush(nullptr);
   const pid_t pid = fork();
@@ -143,7 +143,8 @@ struct LeakCheck {
 };
 
 /// Repeats `call` with the first, second, ... use of each library function failing, until none
-/// fails. The call may return or throw anything, but leaves no descriptor and no zombie behind.
+/// fails. The call may return or throw anything, and may leave a child, but no descriptor and no
+/// changed action for SIGCHLD. A leak of memory is the address sanitizer's to find.
 inline void LeavesNothingBehind(const std::function<void()>& call) {
   // Not sigaction(): an action that cannot be restored stays.
   for (const Call which : {Call::kFcntl, Call::kFopen, Call::kFork, Call::kIconv, Call::kIconvOpen,
