@@ -129,7 +129,7 @@ TEST(CompareVersions, ThrowsForANullVersion) {
 }
 
 TEST(CompareHexStrings, OrdersNumbersOfAnyLength) {
-  EXPECT_EQ(CompareHexStrings("0x00FF", "ff"), 0);
+  EXPECT_EQ(CompareHexStrings("0xFF", "00ff"), 0);
   EXPECT_EQ(CompareHexStrings("100", "ff"), 1);
   EXPECT_EQ(CompareHexStrings("ffffffffffffffffe", "fffffffffffffffff"), -1);
   EXPECT_EQ(CompareHexStrings("0XFF", "ff"), 1);  // other bytes count as digits
