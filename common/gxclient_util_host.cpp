@@ -29,7 +29,7 @@ constexpr mode_t kDirectoryMode = 0755;
 constexpr mode_t kTempFileMode = 0600;
 constexpr char kPerUserDirectory[] = ".gannorex";
 constexpr char kFallbackHome[] = "/root";
-constexpr std::size_t kMaxTempPath = 511;  // a longer template is cut and then refused by mkstemp()
+constexpr std::size_t kMaxTempPath = 511;  // a longer template is cut; mkstemp() wants X at its end
 
 bool EnsureDirectory(const std::string& path) {
   return CheckFileExist(path) || mkdir(path.c_str(), kDirectoryMode) == 0;
@@ -170,7 +170,11 @@ int parse_nfs_export_option(std::string option, std::vector<Exportdata*>& export
   std::string word;
   for (;;) {
     AccessMode mode{0, true};  // of an empty path, which no mode follows
-    if (parser.parse_comma_escaped_string(path) != 0) mode = ReadMode(parser, word);
+    if (parser.parse_comma_escaped_string(path) != 0) {
+      mode = ReadMode(parser, word);
+    } else {
+      path.clear();  // the parser of a client may leave something in it
+    }
     valid = valid && mode.valid;
 
     auto record = std::make_unique<Exportdata>();

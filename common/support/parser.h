@@ -38,6 +38,6 @@ class Parser {
   int parse_comma_escaped_string(std::string& out);
 
   std::string text;   ///< The text being read.
-  std::uint32_t pos;  ///< The index of the next byte, one after the current byte.
+  std::uint32_t pos;  ///< The index of the byte after the current one; the size at the end.
   int current;        ///< The current byte as a signed char, negative from 0x80 on; -1 at the end.
 };
