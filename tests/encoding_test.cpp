@@ -35,6 +35,7 @@ Result Convert(const char* from, const char* to, const std::string& text, std::s
 TEST(Transcode, ConvertsAndFillsTheRestWithZeros) {
   EXPECT_EQ(Convert("ISO-8859-1", "UTF-8", "a\xE4", 5), Result("aä\0\0"s, ""));
   EXPECT_EQ(Convert("UTF-8", "UTF-8", "", 2), Result("\0\0"s, ""));
+  EXPECT_EQ(Convert("UTF-8", "UTF-8", "a", 1), Result("a", ""));
   // Little-endian, without a byte order mark.
   EXPECT_EQ(Convert("UTF-8", "UCS-2", "Ab", 4), Result("A\0b\0"s, ""));
 }

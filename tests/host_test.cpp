@@ -63,10 +63,13 @@ TEST(GenerateTempFile, MakesAFileForItsOwner) {
   EXPECT_EQ(unlink(path.c_str()), 0);
 }
 
-TEST(GenerateTempFile, TakesNamesOfUpTo500Bytes) {
+TEST(GenerateTempFile, TakesNamesOfUpTo500BytesOrToANulByte) {
   // Slashes, because a single name of 500 bytes is too long for a file system.
   const std::string path = GenerateTempFile(std::string(500, '/'), nullptr);
   EXPECT_EQ(unlink(path.c_str()), 0);
+  const std::string cut = GenerateTempFile("aXXXXXX\0b"s, nullptr);
+  EXPECT_EQ(cut.size(), 12U);
+  EXPECT_EQ(unlink(cut.c_str()), 0);
   for (const std::string& name : {std::string(501, '/'), "a\0b"s, "no/such/directory"s}) {
     int fd = kUnwritten;
     EXPECT_EQ(GenerateTempFile(name, &fd), "");
@@ -203,7 +206,7 @@ Exports Parse(const std::string& option) {
 TEST(parse_nfs_export_option, MakesARecordForEachPair) {
   EXPECT_EQ(Parse("/home/ann,rw,/usb,ro"), Exports(1, {{"/home/ann", 2}, {"/usb", 1}}));
   EXPECT_EQ(Parse("/srv/x,disabled"), Exports(1, {{"/srv/x", 0}}));
-  EXPECT_EQ(Parse(R"(/a\,b\\c\d,ro)"), Exports(1, {{R"(/a,b\c\d)", 1}}));
+  EXPECT_EQ(Parse(R"(/a\,b\\cc\d,ro)"), Exports(1, {{R"(/a,b\cc\d)", 1}}));
   EXPECT_EQ(Parse("\xFF\0x,ro"s), Exports(1, {{"\xFF\0x"s, 1}}));
   EXPECT_EQ(Parse("/a,ro,\xFF"),
             Exports(1, {{"/a", 1}, {"", 0}}));  // alone it is taken for the end
