@@ -260,7 +260,7 @@ bool CheckFileExecutable(std::string path);
 ///       - a name with "/" is a path for them
 ///       - if `PATH` is not set, they use the default path of the system
 ///
-/// @param name the name of the program. An empty name finds the first directory of `PATH`.
+/// @param name the name of the program. An empty name finds the first entry of `PATH` that passes.
 /// @return the path; the empty string if there is none or `PATH` is not set.
 std::string Which(std::string name);
 
@@ -367,7 +367,7 @@ std::string EncodeStringList(const std::list<std::string>& elements, char separa
 /// @param text the text to read; must not be an element of `*output`.
 /// @param output receives the elements; cleared first. Must not be null; a null pointer aborts the
 ///        process, in release builds too.
-/// @param separator the byte between two elements.
+/// @param separator the byte between two elements; must not be a backslash.
 /// @retval true the whole text was read.
 /// @retval false a backslash is not followed by a backslash or the separator. `*output` keeps the
 ///         elements that ended before it. One line is logged at level 4: "DecodeStringList:
@@ -401,7 +401,8 @@ int CompareVersions(const char* first, const char* second);
 ///     CompareHexStrings("ff", "100")      // -1
 ///
 /// A prefix "0x" (not "0X"), leading zeros and the case of letters do not count. The longer of the
-/// remaining texts is the higher. Texts of one length compare byte by byte, lowered with tolower().
+/// remaining texts is the higher. Texts of one length compare byte by byte, as unsigned values
+/// after tolower().
 ///
 /// @note The digits are not checked, so "0XFF" is higher than "ff".
 ///

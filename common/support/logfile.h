@@ -12,8 +12,8 @@ class Logfile {
  public:
   /// Writes one line to the standard error stream.
   ///
-  ///     logfile.Log("Command x not found", 2);
-  ///     // 2025-01-31T12:00:00Z [2] Command x not found
+  ///     logfile.Log("Failed to start command x", 2);
+  ///     // 2025-01-31T12:00:00Z [2] Failed to start command x
   ///
   /// The line has the time in UTC, the level and the message. Newlines and carriage returns inside
   /// the message are written as "\n" and "\r", so each call writes exactly one line. Several
