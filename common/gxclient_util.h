@@ -548,7 +548,7 @@ std::string Base64Decode(std::string text);
 /// @note strtol() reads each pair. So white space or a sign may replace the first digit: " a" and
 ///       "+a" are the byte 0x0A, "-1" is 0xFF. A NUL byte ends a pair early: "\0a" is 0x00.
 ///
-/// @param hex the digits, in either case.
+/// @param hex the digits, in either case; any number of them.
 /// @return the bytes; the empty string if the length is odd, or if strtol() does not read a pair to
 ///         its end.
 std::string HexASCIIToString(std::string hex);

@@ -22,6 +22,7 @@ TEST(Base64, HasTheVectorsOfRfc4648) {
 TEST(Base64Encode, TakesAnArrayOfBytes) {
   const unsigned char bytes[] = {0x00, 0xFB, 0xFF};
   EXPECT_EQ(Base64Encode(bytes, 3), "APv/");
+  EXPECT_EQ(Base64Encode(bytes, 1), "AA==");
   EXPECT_EQ(Base64Encode(nullptr, 0), "");
   const auto minusOne = static_cast<unsigned long>(-1);
   EXPECT_THROW(Base64Encode(nullptr, minusOne), std::length_error);

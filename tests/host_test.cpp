@@ -206,7 +206,7 @@ Exports Parse(const std::string& option) {
 TEST(parse_nfs_export_option, MakesARecordForEachPair) {
   EXPECT_EQ(Parse("/home/ann,rw,/usb,ro"), Exports(1, {{"/home/ann", 2}, {"/usb", 1}}));
   EXPECT_EQ(Parse("/srv/x,disabled"), Exports(1, {{"/srv/x", 0}}));
-  EXPECT_EQ(Parse(R"(/a\,b\\cc\d,ro)"), Exports(1, {{R"(/a,b\cc\d)", 1}}));
+  EXPECT_EQ(Parse(R"(/a\,b\\cc\d\\,ro)"), Exports(1, {{R"(/a,b\cc\d\)", 1}}));
   EXPECT_EQ(Parse("\xFF\0x,ro"s), Exports(1, {{"\xFF\0x"s, 1}}));
   EXPECT_EQ(Parse("/a,ro,\xFF"),
             Exports(1, {{"/a", 1}, {"", 0}}));  // alone it is taken for the end
