@@ -8,9 +8,9 @@ set -euo pipefail
 scripts/setup.sh build valgrind
 scripts/build.sh debug
 # The tests replace operator new: valgrind must not. To free the memory of the C library would also
-# flush the client's streams in a forked child.
+# flush the client's streams in a forked child. Without fair scheduling, busy threads starve others.
 export VALGRIND_OPTS='--quiet --leak-check=no --soname-synonyms=somalloc=nouserintercepts
-  --run-libc-freeres=no --error-exitcode=99 --log-fd=9'
+  --run-libc-freeres=no --fair-sched=yes --error-exitcode=99 --log-fd=9'
 report=build/debug/valgrind.log status=0
 ctest --test-dir build/debug --show-only=json-v1 | sed -n 's|^ *"\(/.*_test\)",*$|\1|p' | sort -u |
   xargs -P "$(jobs)" -I{} valgrind {} --gtest_brief=1 9>"$report" || status=1
