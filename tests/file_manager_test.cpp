@@ -79,11 +79,9 @@ TEST_F(ShowInFileManager, OpensTheDirectoryIfTheFileManagerDoesNotShowTheItem) {
 
 TEST_F(ShowInFileManager, OpensTheDirectoryOfTheItem) {
   Set("PATH", "opener");
-  const std::pair<std::string, std::string> items[] = {{"link", top_.path},
-                                                       {"none//", top_.path},
-                                                       {"both/xdg-open", top_.path + "/both"},
-                                                       {"/tmp", "/"},
-                                                       {"/", "/"}};
+  const std::pair<std::string, std::string> items[] = {
+      {"link", top_.path}, {"none//", top_.path}, {"both/xdg-open", top_.path + "/both"},
+      {"..", "/"},         {"/tmp", "/"},         {"/", "/"}};
   for (const auto& [item, directory] : items) {
     EXPECT_EQ(osxShowInFileManager(item), 0) << item;
     EXPECT_EQ(NextCall(), "xdg-open " + directory);

@@ -27,11 +27,8 @@ using Clock = std::chrono::steady_clock;
 constexpr int kShown = 0;
 constexpr int kNothingThere = 1;
 constexpr int kNotShown = 2;
-constexpr int kNoAnswer = 3;
 
-// A bus that accepts connections but does not answer would hold dbus-send without end.
-constexpr std::chrono::seconds kLongestWait(10);  // more than dbus-send waits for the reply
-constexpr unsigned kLongestLife = 11;             // seconds, after which a signal ends the program
+constexpr unsigned kLongestLife = 11;  // seconds, after which a signal ends a program that is asked
 
 // How a program is started.
 enum class Mode {
@@ -60,10 +57,10 @@ void ResetSignals() {
   (void)sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-// Runs in the forked child, and exits at once: init adopts the program, which no client has to reap.
+// Runs in the forked child, which exits after a second fork: the program is no child of the client.
 // The pipe closes with the exec, unless the program writes to it. A byte reports a failure to
 // StartDetached(); ReadAnswer() finds no answer in it.
-[[noreturn]] void ExecAdopted(const char* const* argv, int reportFd, Mode mode) noexcept {
+[[noreturn]] void ExecAdopted(const char* const* argv, int reportFd, Mode mode) {
   if (TakeDescriptors(reportFd, mode)) {
     ResetSignals();
     (void)setsid();
@@ -111,13 +108,18 @@ int Show(const std::string& path) {
 
 #else
 
+constexpr int kNoAnswer = 3;
+
+// A bus that accepts connections but does not answer would hold dbus-send without end.
+constexpr std::chrono::seconds kLongestWait(10);  // more than dbus-send waits for the reply
+
 // The variable's value; one that is not set counts as empty.
 std::string Environment(const char* variable) {
   const char* value = std::getenv(variable);
   return value != nullptr ? value : "";
 }
 
-// Looks for the session bus as dbus-send does. Without one, dbus-send would start a bus, which stays.
+// Looks for the session bus as dbus-send does. Without one, dbus-send would start a bus and leave it.
 bool HasSessionBus() {
   if (!Environment("DBUS_SESSION_BUS_ADDRESS").empty()) return true;
   const std::string directory = Environment("XDG_RUNTIME_DIR");
@@ -221,7 +223,7 @@ std::string DirectoryOf(const std::string& path) {
 }
 
 int OpenDirectory(const std::string& directory) {
-  if ((Environment("DISPLAY") + Environment("WAYLAND_DISPLAY")).empty()) return kNotShown;
+  if (Environment("DISPLAY").empty() && Environment("WAYLAND_DISPLAY").empty()) return kNotShown;
   const char* const argv[] = {"xdg-open", directory.c_str(), nullptr};
   return StartDetached(argv) ? kShown : kNotShown;
 }
@@ -240,6 +242,8 @@ int Show(const std::string& path) {
   namespace fs = std::filesystem;
   std::error_code error;
   if (!fs::exists(fs::symlink_status(path.c_str(), error))) return kNothingThere;
-  const fs::path item = fs::absolute(path.c_str(), error);
+  fs::path item = fs::absolute(path.c_str(), error);
+  // These two have no name in the directory that is shown.
+  if (item.filename() == "." || item.filename() == "..") item = fs::canonical(item, error);
   return error ? kNothingThere : Show(item.native());
 }

@@ -15,10 +15,10 @@
 ///
 /// The programs are found along `PATH`, inherit no file descriptor of the client and write to none
 /// of its streams. The call blocks for up to 5 seconds for an answer of the file manager, or 10 if
-/// the bus itself does not answer. It leaves SIGCHLD alone. The programs are children of init, so
-/// the client has none to reap, unless it adopts orphans itself, as process 1 of a PID namespace
-/// does. The call may run on any thread, while no thread changes the environment. A client may
-/// define this function itself; docs/linking.md shows how.
+/// the bus itself does not answer. It leaves SIGCHLD alone. The programs are orphans, so the client
+/// has none to reap, unless it adopts orphans itself, as process 1 of a PID namespace does. The
+/// call may run on any thread, while no thread changes the environment. A client may define this
+/// function itself; docs/linking.md shows how.
 ///
 /// @param path the file or directory, up to its first NUL byte, in any encoding. A relative path
 ///        counts from the working directory.
