@@ -51,7 +51,7 @@ bool Contains(std::string_view text, char byte) {
 }
 
 void AppendEscaped(std::string& text, std::string_view element, char separator) {
-  // Long elements without an escape take an eighth of the time this way, less than with a library.
+  // Two searches for one byte are much faster than one search for either.
   if (!Contains(element, separator) && !Contains(element, '\\')) {
     text += element;
     return;
@@ -164,21 +164,15 @@ std::string ReplaceInString(std::string& text, const char* pattern, const char* 
     start = found + wanted.size();
   }
   result.append(text, start);
-  std::string copy = result;
   text = std::move(result);
-  return copy;
+  return text;
 }
 
 std::vector<std::string> StringLines(const char* chunk, std::string* tail) {
-  const std::size_t oldSize = tail->size();
-  tail->append(chunk);
+  std::string text = *tail + chunk;  // a copy: after an exception the tail is as it was
   std::vector<std::string> lines;
-  try {
-    tail->erase(0, CutLines(*tail, lines));
-  } catch (...) {
-    tail->resize(oldSize);  // the caller has lost nothing and may call again
-    throw;
-  }
+  text.erase(0, CutLines(text, lines));
+  *tail = std::move(text);
   return lines;
 }
 
@@ -238,7 +232,7 @@ int CompareVersions(const char* first, const char* second) {
   for (; *first == *second; ++first, ++second) {
     if (*first == '\0') return 0;
   }
-  // A missing component counts as "0"; any other one makes its version the higher.
+  // A missing component counts as "0" and is lower than every other one.
   if (*first == '\0' && *second == '.') return HasOnlyZeros(second) ? 0 : -1;
   if (*second == '\0' && *first == '.') return HasOnlyZeros(first) ? 0 : 1;
   // Of two components that are equal so far, the one that ends is the lower.
