@@ -44,8 +44,8 @@ constexpr std::array<Byte, 256> kValues = MakeValueTable();
 static_assert(kValues['='] == kPad, "\"=\" counts with its position in the arithmetic");
 
 // The six bits of each of the four characters of a group, shifted to their place in the upper 24
-// bits of a word, so that "or" joins them. kSpecial, for "=" and characters outside the alphabet, is
-// one of the lower eight bits.
+// bits of a word, so that "or" joins them. kSpecial is one of the lower eight bits, for "=" and for
+// characters outside the alphabet.
 using GroupTable = std::array<std::array<std::uint32_t, 256>, 4>;
 constexpr std::uint32_t kSpecial = 1;
 

@@ -74,8 +74,8 @@ class IconvDescriptor {
 };
 
 // Converts with the target that drops the characters it lacks, or with the plain target if iconv
-// refuses that one. There is one call, so text that iconv() holds back for a final call is lost. The
-// descriptors are closed when this returns.
+// refuses that one. There is one call, so text that iconv() holds back for a final call is lost.
+// The descriptors are closed before anything is logged, as the log may throw.
 Conversion ConvertOnce(const char* from, const char* to, const char* in, std::size_t inlen,
                        char* out, std::size_t outlen) {
   std::string ignoringTarget = to;

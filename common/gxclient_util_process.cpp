@@ -74,7 +74,7 @@ class DefaultSigchld {
 };
 
 // Runs in the forked child.
-[[noreturn]] void ExecCaptured(const char* const* argv, int output) noexcept {
+[[noreturn]] void ExecCaptured(const char* const* argv, int output) {
   (void)dup2(output, STDOUT_FILENO);
   (void)dup2(output, STDERR_FILENO);
   CloseAllFds(kFirstClosedFd, -1);  // keeps none of them
@@ -91,7 +91,7 @@ struct DetachedPipes {
 [[noreturn]] void EndNow(int /*signal*/) { _exit(kDetachedExecFailedStatus); }
 
 // Ends this process after so many seconds, whatever the client does about SIGALRM. A handler does
-// it: the system ignores the default action if the client has made this process 1 of a PID namespace.
+// it: the system ignores the default action if this is process 1 of a PID namespace of the client.
 void LimitLifetime(unsigned seconds) {
   struct sigaction action = {};
   action.sa_handler = EndNow;
@@ -106,7 +106,7 @@ void LimitLifetime(unsigned seconds) {
 // Runs in the forked child. The error text goes to the descriptor, because the client's streams may
 // be redirected or hold unflushed data.
 [[noreturn]] void ExecDetached(const char* const* argv, const DetachedPipes& pipes,
-                               const ExecErrorTexts& errorTexts) noexcept {
+                               const ExecErrorTexts& errorTexts) {
   if (pipes.output.IsOpen()) (void)dup2(pipes.output.writeEnd.Get(), STDOUT_FILENO);
   if (pipes.error.IsOpen()) (void)dup2(pipes.error.writeEnd.Get(), STDERR_FILENO);
   CloseAllFds(kFirstClosedFd, pipes.status.writeEnd.Get());
@@ -114,8 +114,8 @@ void LimitLifetime(unsigned seconds) {
   (void)execvp(argv[0], const_cast<char* const*>(argv));
   const int error = errno;
   (void)!write(pipes.status.writeEnd.Get(), "e", 1);
-  // The parent waits for this child, which could hang: in a lock, or writing to a full pipe that only
-  // the parent reads.
+  // The parent waits for this child, which could hang: in a lock, or because the client's standard
+  // error is a full pipe that the waiting thread reads.
   LimitLifetime(kLongestErrorReport);
   WriteLine(STDERR_FILENO, errorTexts.Get(error));
   _exit(kDetachedExecFailedStatus);
@@ -152,8 +152,8 @@ bool FailRun(const char* errorLine) {
   return false;
 }
 
-// Runs the program to its end. Returns whether it exited, with its exit status in `*exitStatus`.
-// Everything is closed and restored then.
+// Runs the program to its end. Returns whether it exited and SIGCHLD has its previous action again,
+// with the exit status in `*exitStatus`. The pipe is closed in any case.
 bool RunToExit(const char* const* argv, std::string* output, int* exitStatus) {
   // Released in the reverse order: the pipe closes before the child is reaped, and the previous
   // action is restored last.

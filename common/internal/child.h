@@ -1,9 +1,8 @@
 /// @file
 /// Private to the project and not installed: forked children, and their owner in the parent.
 ///
-/// Another thread may have held any lock at the moment of the fork, so a child uses only values that
-/// were prepared before. The function that it runs is noexcept: if the client has cancelled the
-/// thread, the child ends there and does not unwind the client's frames.
+/// Another thread may have held any lock at the moment of the fork. So until a child executes a
+/// program, it takes no lock and uses values that were prepared before the fork.
 #pragma once
 
 #include <algorithm>
@@ -20,7 +19,7 @@
 namespace GXInternal {
 
 // Closes the descriptors from `first` to `last` with one system call. If the system does not have
-// that call or refuses it, a loop closes them, up to a number that no ordinary limit reaches.
+// that call or refuses it, a loop closes those below 65,536.
 inline void CloseRange(int first, int last) {
   constexpr int kEndOfLoop = 65536;
   if (first > last) return;
@@ -37,7 +36,7 @@ inline void Reap(pid_t pid) {
   }
 }
 
-// Owns a child that has to be waited for. The destructor reaps it unless Wait() was called.
+// Owns a child that has to be waited for. The destructor reaps it unless Wait() gave it up.
 class Child {
  public:
   Child() = default;

@@ -9,7 +9,8 @@
 
 namespace GXInternal {
 
-// Programs inherit only the descriptors below and above these. Callers rely on both numbers.
+// CloseAllFds() in a child closes the descriptors from one of these to the other. Callers rely on
+// both numbers.
 constexpr int kFirstClosedFd = 3;
 constexpr int kLastClosedFd = 1023;
 
@@ -44,7 +45,7 @@ struct Pipe {
 #ifdef __linux__
     if (pipe2(ends, O_CLOEXEC) != 0) return false;
 #else
-    // A program that another thread starts just now inherits the ends.
+    // A program that another thread starts before the flag is set inherits the ends.
     if (pipe(ends) != 0) return false;
 #endif
     readEnd.Reset(ends[0]);

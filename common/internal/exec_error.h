@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 #include <iterator>
 
@@ -12,7 +13,7 @@
 
 namespace GXInternal {
 
-// The errors that execvp() reports.
+// The usual errors of execvp().
 constexpr int kExecErrors[] = {
     ENOENT,  EACCES, E2BIG,   EAGAIN,       EFAULT, EINVAL,    EIO,
     EISDIR,  ELOOP,  EMFILE,  ENAMETOOLONG, ENFILE, ENODEV,    ENOEXEC,
@@ -27,8 +28,9 @@ constexpr int kExecErrors[] = {
 class ExecErrorTexts {
  public:
   ExecErrorTexts() {
-    std::transform(std::begin(kExecErrors), std::end(kExecErrors), texts_,
-                   [](int error) { return std::strerror(error); });
+    for (std::size_t i = 0; i < std::size(kExecErrors); ++i) {
+      texts_[i] = std::strerror(kExecErrors[i]);
+    }
   }
 
   // In the child. Another error, or any error of a C library that has one buffer for all texts, is
@@ -45,7 +47,7 @@ class ExecErrorTexts {
   const char* texts_[std::size(kExecErrors)];
 };
 
-// Writes the text and a newline with one call, so that the lines of two children do not mix.
+// Writes the text and a newline with one call, so that the lines of two children seldom mix.
 inline void WriteLine(int fd, const char* text) {
   char newline = '\n';
   const iovec parts[] = {{const_cast<char*>(text), std::strlen(text)}, {&newline, 1}};

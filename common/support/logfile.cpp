@@ -28,7 +28,7 @@ std::string OneLine(const std::string& message) {
 
 }  // namespace
 
-// A client may define these itself. They are weak: its own count also where something else makes the
+// A client may define these itself. They are weak: its own count even if something else makes the
 // linker take this file, such as a member of std::string that is compiled into it.
 [[gnu::weak]] Logfile logfile;
 
