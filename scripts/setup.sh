@@ -32,7 +32,7 @@ packages() {
     debian-riscv64) echo g++-riscv64-linux-gnu mmdebstrap qemu-user ;;
     debian-s390x) echo g++-s390x-linux-gnu mmdebstrap qemu-user ;;
     debian-debian13) echo mmdebstrap ;;
-    debian-macos) echo npm ;;
+    debian-macos) command -v npm >/dev/null || echo npm ;;
     *) return 1 ;;
   esac
 }

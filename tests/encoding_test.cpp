@@ -108,9 +108,11 @@ TEST(ToLower, LowersTheLettersOfTheLocale) {
   EXPECT_EQ(Lower("AB\0C"s), Result("ab", ""));  // ends at the first NUL character
   std::setlocale(LC_CTYPE, "C.UTF-8");
   EXPECT_EQ(Lower("ÄΩЖA"), Result("äωжa", ""));
+  // There is room for two more bytes than the text has.
   EXPECT_EQ(Lower("ȺȺ"), Result("ⱥⱥ", ""));
-  EXPECT_EQ(Lower("ȺȺȺ"), Result("ⱥⱥ", kNoSpace));   // grows by more than two bytes
-  EXPECT_EQ(Lower("A😀B"), Result("ab", kBadInput));  // UCS-2 does not have it
+  EXPECT_EQ(Lower("ȺȺȺ"), Result("ⱥⱥ", kNoSpace));
+  // A character that UCS-2 does not have is dropped.
+  EXPECT_EQ(Lower("A😀B"), Result("ab", kBadInput));
   std::setlocale(LC_CTYPE, "C");
 }
 

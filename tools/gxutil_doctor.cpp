@@ -264,8 +264,9 @@ constexpr std::pair<const char*, Finding (*)()> kChecks[] = {
 
 // A line of the report stays a line, whatever the environment holds.
 std::string Printable(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](unsigned char byte) { return byte < ' '; }, ' ');
+  for (char& byte : text) {
+    if (static_cast<unsigned char>(byte) < ' ') byte = ' ';
+  }
   return text;
 }
 
