@@ -117,7 +117,8 @@ macos() {
   done
   chmod +x "$work/zig/"{c++,ar,ranlib}
   # The headers that the libraries of macOS have in common with Debian's; libintl is musl's here.
-  mkdir -p "$root/usr/include" "$PKG_CONFIG_LIBDIR"
+  mkdir -p "$root/usr/include" "$root/usr/share/cmake" "$PKG_CONFIG_LIBDIR"
+  cp -r /usr/share/cmake/CLI11 "$root/usr/share/cmake"
   cp -r /usr/include/CLI /usr/include/nettle "${zig%/*}"/lib/libc/include/any-macos-any/iconv.h \
     "${zig%/*}"/lib/libc/include/generic-musl/libintl.h "$root/usr/include"
   stub libnettle /usr/local/lib/libnettle.8.dylib nettle_sha256_init nettle_sha256_update \
@@ -131,7 +132,7 @@ macos() {
       -DCMAKE_CXX_COMPILER="$work/zig/c++" -DCMAKE_AR="$work/zig/ar" \
       -DCMAKE_RANLIB="$work/zig/ranlib" -DCMAKE_FIND_ROOT_PATH="$root" \
       -DCMAKE_FIND_ROOT_PATH_MODE_PROGRAM=NEVER -DCMAKE_FIND_ROOT_PATH_MODE_LIBRARY=ONLY \
-      -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY -DCLI11_DIR=/usr/share/cmake/CLI11 \
+      -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY -DCLI11_DIR="$root/usr/share/cmake/CLI11" \
       -DBUILD_SHARED_LIBS=$kind
   done
   echo "$target: built and linked, static and shared; nothing was run"

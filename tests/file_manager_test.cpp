@@ -27,10 +27,11 @@ class ShowInFileManager : public testing::Test {
     (void)clearenv();
     std::filesystem::current_path(top_.path);
     (void)mknod(kName.c_str(), S_IFREG | 0600, 0);
+    Set("DESKTOP", DESKTOP);
     (void)!std::system(
         "mkdir both opener none && mkfifo calls && ln -s /no/such link && "
         "for program in both/dbus-send both/xdg-open opener/xdg-open; do "
-        "ln -s " DESKTOP "/program $program; done");
+        "ln -s $DESKTOP/program $program; done");
     calls_ = open("calls", O_RDWR | O_CLOEXEC);
     Set("PATH", "both");
     Set("SESSION", std::to_string(getsid(0)));

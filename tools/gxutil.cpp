@@ -107,7 +107,8 @@ int Run(std::vector<std::string> arguments) {
   }
   std::string word = arguments[0];
   arguments.erase(arguments.begin());
-  if (word == "version" || word == "--version") return PrintLine("gxutil " GXUTIL_VERSION);
+  if (word == "version" || word == "--version")
+    return PrintLine(std::string("gxutil ") + GXUTIL_VERSION);
   if (word == "help" || word == "-h" || word == "--help") {
     if (arguments.empty()) return PrintHelp();
     word = std::exchange(arguments[0], "--help");

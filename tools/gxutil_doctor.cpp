@@ -64,8 +64,9 @@ std::string Distribution() {
 Finding Version() {
   utsname name{};
   (void)uname(&name);
-  std::string text = "gxclient_util " GXUTIL_VERSION ", nettle ";
-  text += std::to_string(nettle_version_major()) + "." + std::to_string(nettle_version_minor());
+  std::string text = std::string("gxclient_util ") + GXUTIL_VERSION;
+  text += ", nettle " + std::to_string(nettle_version_major()) + ".";
+  text += std::to_string(nettle_version_minor());
   text += ", " + Distribution() + ", " + name.sysname + " " + name.release + " " + name.machine;
 #ifdef __GLIBC__
   text += std::string(", glibc ") + gnu_get_libc_version();
