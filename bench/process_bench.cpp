@@ -63,7 +63,7 @@ void BareStart(const char* const* argv) {
 
 void Capture(const std::string& command, std::size_t size) {
   FILE* stream = popen(command.c_str(), "r");
-  Require(stream != nullptr);
+  if (stream == nullptr) std::abort();
   std::string output;
   char piece[4096];
   while (const std::size_t count = std::fread(piece, 1, sizeof piece, stream)) {

@@ -15,13 +15,13 @@ scripts/setup.sh check
 # redundantContinue: it is the body of a loop that needs none.
 # accessMoved, shadowFunction: wrong about the range of a for statement and about a variable with
 #   parentheses; clang-tidy and the compilers look for both.
-# leakNoVarFunctionCall: takes a descriptor that is handed to its owner for a lost one.
+# leakNoVarFunctionCall, resourceLeak: take a descriptor that is handed to its owner for a lost one.
 # normalCheckLevelMaxBranches: not a finding; newer versions say that they look at less by default.
 options=('--enable=warning,style,performance,portability' --language=c++ --std=c++17 --quiet
   --library=posix --library=googletest -I common -I tests --error-exitcode=1)
 for check in passedByValue useStlAlgorithm getpwnamCalled getpwuidCalled readdirCalled \
   strtokCalled redundantContinue accessMoved shadowFunction \
-  leakNoVarFunctionCall normalCheckLevelMaxBranches; do
+  leakNoVarFunctionCall resourceLeak normalCheckLevelMaxBranches; do
   options+=("--suppress=$check")
 done
 find bench common docs fuzz tests tools -name '*.cpp' -print0 |
