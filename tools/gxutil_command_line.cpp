@@ -27,7 +27,9 @@ std::string HelpLine(std::string name, const std::string& help) {
 std::string ReadAll(std::FILE* file, const std::string& name) {
   std::string data;
   char piece[65536];
-  while (const std::size_t count = std::fread(piece, 1, sizeof piece, file)) {
+  std::size_t count = sizeof piece;
+  while (count == sizeof piece) {
+    count = std::fread(piece, 1, sizeof piece, file);
     data.append(piece, count);
   }
   if (std::ferror(file) != 0) throw std::runtime_error(name + ": " + std::strerror(errno));
