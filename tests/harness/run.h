@@ -156,10 +156,10 @@ inline void LeavesNothingBehind(const std::function<void()>& call) {
       const LeakCheck leaks;
       try {
         const Armed fault({.call = which, .nth = nth, .required = false});
-        failed = true;
         call();
         failed = fault.Fired();
       } catch (const std::bad_alloc&) {
+        failed = true;
       }
       while (waitpid(-1, nullptr, 0) > 0) {  // a program that was started, or may have been
       }
