@@ -97,18 +97,19 @@ TEST(System, ClosesThePipeWhenItCannotReadOn) {
 }
 
 TEST(CloseAllFds, ClosesTheRangeUpTo1023ButOne) {
-  const std::pair<int, int> cases[] = {{100, 200},  {100, 100}, {100, 0},
-                                       {100, 1023}, {-5, -7},   {1024, 2000}};
-  for (const auto& [first, keep] : cases) {
+  const struct {
+    int first, keep;
+  } cases[] = {{100, 200}, {100, 100}, {100, 0}, {100, 1023}, {-5, -7}, {1024, 2000}};
+  for (const auto& c : cases) {
     for (const int nth : {kEachTime, 99}) {  // close_range() fails always, or never
-      SCOPED_TRACE(testing::Message() << first << ", " << keep << ", " << nth);
-      EXPECT_TRUE(PassesInChild([&, first = first, keep = keep] {
+      SCOPED_TRACE(testing::Message() << c.first << ", " << c.keep << ", " << nth);
+      EXPECT_TRUE(PassesInChild([&] {
         OpenDescriptors();
         const Armed refusal({.call = Call::kCloseRange, .nth = nth, .required = false});
-        CloseAllFds(first, keep);
+        CloseAllFds(c.first, c.keep);
         for (int fd = 0; fd < 1100; ++fd) {
           const bool open = fcntl(fd, F_GETFD) >= 0;
-          EXPECT_EQ(open, fd < first || fd == keep || fd > 1023) << fd;
+          EXPECT_EQ(open, fd < c.first || fd == c.keep || fd > 1023) << fd;
         }
       }));
     }
