@@ -113,20 +113,19 @@ constexpr int kNoAnswer = 3;
 // A bus that accepts connections but does not answer would hold dbus-send without end.
 constexpr std::chrono::seconds kLongestWait(10);  // more than dbus-send waits for the reply
 
-// The variable's value; one that is not set counts as empty.
-std::string Environment(const char* variable) {
+// Whether the variable has a value; an empty one does not count.
+bool IsSet(const char* variable) {
   const char* value = std::getenv(variable);
-  return value != nullptr ? value : "";
+  return value != nullptr && *value != '\0';
 }
 
 // Looks for the session bus as dbus-send does. Without one, dbus-send would start a bus and leave it.
 bool HasSessionBus() {
-  if (!Environment("DBUS_SESSION_BUS_ADDRESS").empty()) return true;
-  const std::string directory = Environment("XDG_RUNTIME_DIR");
-  if (directory.empty()) return false;
+  if (IsSet("DBUS_SESSION_BUS_ADDRESS")) return true;
+  if (!IsSet("XDG_RUNTIME_DIR")) return false;
+  const std::string bus = std::string(std::getenv("XDG_RUNTIME_DIR")) + "/bus";
   struct stat info = {};
-  return lstat((directory + "/bus").c_str(), &info) == 0 && S_ISSOCK(info.st_mode) &&
-         info.st_uid == getuid();
+  return lstat(bus.c_str(), &info) == 0 && S_ISSOCK(info.st_mode) && info.st_uid == getuid();
 }
 
 // Escapes all but the unreserved characters of RFC 3986 and the slash. A URI needs less, but
@@ -223,7 +222,7 @@ std::string DirectoryOf(const std::string& path) {
 }
 
 int OpenDirectory(const std::string& directory) {
-  if (Environment("DISPLAY").empty() && Environment("WAYLAND_DISPLAY").empty()) return kNotShown;
+  if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) return kNotShown;
   const char* const argv[] = {"xdg-open", directory.c_str(), nullptr};
   return StartDetached(argv) ? kShown : kNotShown;
 }
@@ -244,6 +243,7 @@ int Show(const std::string& path) {
   if (!fs::exists(fs::symlink_status(path.c_str(), error))) return kNothingThere;
   fs::path item = fs::absolute(path.c_str(), error);
   // These two have no name in the directory that is shown.
-  if (item.filename() == "." || item.filename() == "..") item = fs::canonical(item, error);
+  const std::string name = item.filename();
+  if (name == "." || name == "..") item = fs::canonical(item, error);
   return error ? kNothingThere : Show(item.native());
 }
