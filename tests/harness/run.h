@@ -76,7 +76,7 @@ inline Outcome StartProgram(const std::string& command, std::optional<Fault> fau
   return Observe(fault, [&](Outcome& seen) { seen.result = GXUtils::SystemNowait(command); });
 }
 
-/// Runs `body` in a forked child, where it may change the environment, limits and descriptors.
+/// Runs `body` in a forked child, whose environment, limits and descriptors it may change.
 /// Returns whether every expectation of the test held so far. The body must not throw.
 inline bool PassesInChild(const std::function<void()>& body) {
   std::fflush(nullptr);
