@@ -14,18 +14,15 @@ using namespace GXUtils;
 
 namespace {
 
-const std::string kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
-
 // Arithmetic over the alphabet: a digit is a position in it, and "=" is the digit 64.
 std::string DecodedBase64(const std::string& text) {
+  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
   if (text.size() % 4 != 0) return "";
+  if (text.find_first_not_of(alphabet) != std::string::npos) return "";
   std::string bytes;
   for (std::size_t i = 0; i < text.size(); i += 4) {
     std::size_t digits[4];
-    for (std::size_t j = 0; j < 4; ++j) {
-      digits[j] = kAlphabet.find(text[i + j]);
-      if (digits[j] == std::string::npos) return "";
-    }
+    for (std::size_t j = 0; j < 4; ++j) digits[j] = alphabet.find(text[i + j]);
     bytes += static_cast<char>(digits[0] * 4 + digits[1] / 16);
     if (digits[2] != 64) bytes += static_cast<char>(digits[1] * 16 + digits[2] / 4);
     if (digits[3] != 64) bytes += static_cast<char>(digits[2] * 64 + digits[3]);
@@ -46,9 +43,7 @@ std::string DecodedHex(const std::string& hex) {
 }
 
 void CheckCodecs(const std::string& text) {
-  const std::string encoded = Base64Encode(text);
-  EXPECT_EQ(DecodedBase64(encoded), text);
-  EXPECT_EQ(Base64Decode(encoded), text);
+  EXPECT_EQ(DecodedBase64(Base64Encode(text)), text);
   for (const std::string& code : {text, text + "A/", "A/" + text}) {
     EXPECT_EQ(Base64Decode(code), DecodedBase64(code));
     EXPECT_EQ(HexASCIIToString(code), DecodedHex(code));
@@ -66,10 +61,9 @@ std::vector<std::string> Arguments(std::string line) {
     } else if (line[0] == '"' && quote != std::string::npos) {
       arguments.push_back(line.substr(1, quote - 1));
       line.erase(0, quote + 1);
-    } else if (line[0] == '"') {  // unclosed: drops its field
-      line.erase(0, space);
     } else {
-      arguments.push_back(line.substr(0, space));
+      // An unclosed quote drops its field.
+      if (line[0] != '"') arguments.push_back(line.substr(0, space));
       line.erase(0, space);
     }
   }
@@ -105,18 +99,14 @@ int Sign(int order) { return (order > 0) - (order < 0); }
 void CheckOrder(const std::string& first, const std::string& second) {
   const char *one = first.c_str(), *other = second.c_str();
   EXPECT_EQ(Sign(CompareVersions(one, other)), -Sign(CompareVersions(other, one)));
-  const int order = CompareHexStrings(one, other);
-  EXPECT_EQ(order, -CompareHexStrings(other, one));
-  if ((first + second).find_first_not_of("01aA") != std::string::npos) return;
-  if (first.size() > 16 || second.size() > 16) return;
-  EXPECT_EQ(order < 0, std::strtoull(one, nullptr, 16) < std::strtoull(other, nullptr, 16));
+  EXPECT_EQ(CompareHexStrings(one, other), -CompareHexStrings(other, one));
 }
 
 }  // namespace
 
 void CheckText(const std::string& text) {
   SCOPED_TRACE(testing::PrintToString(text));
-  logged.clear();
+  logged.clear();  // or it grows without end
   CheckCodecs(text);
   EXPECT_EQ(SplitCommandLine(text), Arguments(text));
   CheckList(text);
