@@ -3,35 +3,20 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
-#include <utility>
 
-#include <gtest/gtest.h>
 #include <iconv.h>
 #include <poll.h>
-#include <pwd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-static Armed* armed = nullptr;  // the innermost one
-
-Armed::Armed(const Fault& fault) : fault_(fault), outer_(std::exchange(armed, this)) {}
-
-Armed::~Armed() {
-  armed = outer_;
-  EXPECT_TRUE(fired_ || !fault_.required) << "the fault did not fire";
-}
-
 // The fault that this use of the call has; null if the call is to work. Sets errno.
 const Fault* Firing(Call call) {
-  for (Armed* each = armed; each != nullptr; each = each->outer_) {
-    const Fault& fault = each->fault_;
-    if (fault.call != call) continue;
-    if (++each->calls_ != fault.nth && fault.nth != kEachTime) continue;
-    each->fired_ = true;
-    errno = fault.error;
-    return &fault;
-  }
-  return nullptr;
+  Armed* armed = Armed::current;
+  if (armed == nullptr || armed->fault.call != call) return nullptr;
+  if (++armed->uses != armed->fault.nth && armed->fault.nth != kEachTime) return nullptr;
+  armed->fired = true;
+  errno = armed->fault.error;
+  return &armed->fault;
 }
 
 void* operator new(std::size_t size) {
@@ -54,30 +39,24 @@ extern "C" {
   }
 
 WRAP(kExecvp, int, execvp, -1, (const char* file, char* const* argv), (file, argv))
+WRAP(kFopen, std::FILE*, fopen, static_cast<std::FILE*>(fault->answer),
+     (const char* path, const char* mode), (path, mode))
 WRAP(kFork, pid_t, fork, -1, (), ())
 WRAP(kIconvOpen, iconv_t, iconv_open, reinterpret_cast<iconv_t>(-1),
      (const char* to, const char* from), (to, from))
-WRAP(kMkdir, int, mkdir, -1, (const char* path, mode_t mode), (path, mode))
+WRAP(kIconv, std::size_t, iconv, static_cast<std::size_t>(fault->error == 0 ? 2 : -1),
+     (iconv_t to, char** in, std::size_t* inSize, char** out, std::size_t* outSize),
+     (to, in, inSize, out, outSize))
 WRAP(kPipe, int, pipe2, -1, (int ends[2], int flags), (ends, flags))
 WRAP(kPoll, int, poll, -1, (pollfd * fds, nfds_t count, int timeout), (fds, count, timeout))
 WRAP(kRead, ssize_t, read, -1, (int fd, void* buffer, std::size_t size), (fd, buffer, size))
 WRAP(kSigaction, int, sigaction, -1,
      (int signal, const struct sigaction* action, struct sigaction* old), (signal, action, old))
+WRAP(kStrerror, char*, strerror, static_cast<char*>(fault->answer), (int error), (error))
 WRAP(kWaitpid, pid_t, waitpid, -1, (pid_t pid, int* status, int options), (pid, status, options))
 // The module passes integers only to these two variadic calls.
 WRAP(kFcntl, int, fcntl, -1, (int fd, int command, long argument), (fd, command, argument))
 WRAP(kCloseRange, long, syscall, -1, (long number, long a, long b, long c), (number, a, b, c))
-
-WRAP(kFopen, std::FILE*, fopen, static_cast<std::FILE*>(fault->answer),
-     (const char* path, const char* mode), (path, mode))
-WRAP(kGetpwnam, passwd*, getpwnam, (lookedUp = name, static_cast<passwd*>(fault->answer)),
-     (const char* name), (name))
-WRAP(kGetpwuid, passwd*, getpwuid,
-     (lookedUp = std::to_string(user), static_cast<passwd*>(fault->answer)), (uid_t user), (user))
-WRAP(kStrerror, char*, strerror, static_cast<char*>(fault->answer), (int error), (error))
-WRAP(kIconv, std::size_t, iconv, static_cast<std::size_t>(fault->error == 0 ? 2 : -1),
-     (iconv_t to, char** in, std::size_t* inSize, char** out, std::size_t* outSize),
-     (to, in, inSize, out, outSize))
 
 #ifdef GXCLIENT_COVERAGE
 // The counters of a forked child are written before it exits.

@@ -3,20 +3,19 @@
 #pragma once
 
 #include <cerrno>
-#include <string>
+
+#include <gtest/gtest.h>
 
 /// The calls that a test can make fail. kNew is any allocation.
 enum class Call {
+  kNone,
   kCloseRange,
   kExecvp,
   kFcntl,
   kFopen,
   kFork,
-  kGetpwnam,
-  kGetpwuid,
   kIconv,
   kIconvOpen,
-  kMkdir,
   kNew,
   kPipe,
   kPoll,
@@ -30,31 +29,25 @@ constexpr int kEachTime = 0;
 
 /// One call that fails, or has the answer of the test.
 struct Fault {
-  Call call;
+  Call call = Call::kNone;
   int nth = 1;             ///< counted from now; or kEachTime
   int error = EINTR;       ///< 0 makes iconv() convert nothing and replace two characters
   bool required = true;    ///< the test fails unless it fires; one in a forked child fires unseen
-  void* answer = nullptr;  ///< of fopen(), getpwnam(), getpwuid() and strerror()
+  void* answer = nullptr;  ///< of fopen() and strerror()
 };
 
-/// Arms a fault while it exists. Calls of the test framework count as well: arm late, for a short time.
-class Armed {
- public:
-  explicit Armed(const Fault& fault);
+/// Arms a fault while it exists. One at a time, and for a short time: the calls of the test
+/// framework count as well.
+struct Armed {
+  explicit Armed(const Fault& armed) : fault(armed) { current = this; }
   Armed(const Armed&) = delete;
-  Armed& operator=(const Armed&) = delete;
-  ~Armed();
+  ~Armed() {
+    current = nullptr;
+    EXPECT_TRUE(fired || !fault.required) << "the fault did not fire";
+  }
 
-  bool Fired() const { return fired_; }
-
- private:
-  friend const Fault* Firing(Call call);
-
-  Fault fault_;
-  int calls_ = 0;
-  bool fired_ = false;
-  Armed* outer_;
+  static inline Armed* current = nullptr;
+  Fault fault;
+  int uses = 0;
+  bool fired = false;
 };
-
-/// The name or the user id that getpwnam() or getpwuid() was asked for last.
-inline std::string lookedUp;
