@@ -73,6 +73,7 @@ TEST(Transcode, KeepsAsciiIfIconvCannotConvertFromOrToTheLocale) {
   // Two of the three bytes that count are dropped.
   EXPECT_EQ(Convert("", "UTF-8", "éab", 4), Result("a\0\0\0"s, fromLocale));
   EXPECT_EQ(Convert("", "UTF-8", "a\0b"s, 4), Result("a\0\0\0"s, fromLocale));
+  EXPECT_EQ(Convert("", "UTF-8", "a", 1), Result("\0"s, fromLocale));
   EXPECT_EQ(Convert("", "UTF-8", "a", 0), Result("", fromLocale));
 }
 

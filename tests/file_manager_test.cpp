@@ -6,6 +6,7 @@
 
 using namespace std::string_literals;
 
+// A name with the neighbours of the letters and digits, which a URI must escape.
 const std::string kName = "a-z_A.Z~09@[`{: ,'\"%41\\\nü\xFF";
 const std::string kEscapedName = "a-z_A.Z~09%40%5B%60%7B%3A%20%2C%27%22%2541%5C%0A%C3%BC%FF";
 const std::string kAsk =
@@ -23,15 +24,15 @@ void Set(const char* variable, const std::string& value) {
 class ShowInFileManager : public testing::Test {
  protected:
   ShowInFileManager() {
-    (void)clearenv();
     std::filesystem::current_path(top_.path);
     (void)mknod(kName.c_str(), S_IFREG | 0600, 0);
-    Set("PROGRAM", STAND_IN);
+    Set("PROGRAM", STAND_IN);  // the path of desktop/program
     (void)!std::system(
         "mkdir both opener none; mkfifo calls gate; ln -s /no/such link;"
         "for name in both/dbus-send both/xdg-open opener/xdg-open; do ln -s \"$PROGRAM\" $name; "
         "done");
     calls_ = open("calls", O_RDWR | O_CLOEXEC);
+    (void)clearenv();
     Set("PATH", "both");
     Set("SESSION", std::to_string(getsid(0)));
     Set("DBUS_SESSION_BUS_ADDRESS", "x:");
@@ -65,6 +66,7 @@ TEST_F(ShowInFileManager, AsksTheFileManager) {
 }
 
 TEST_F(ShowInFileManager, OpensTheDirectoryIfTheFileManagerDoesNotShowTheItem) {
+  // The last one is no answer, because it does not begin its line.
   for (const char* answer : {kRefuses, "exit 1", "echo a: method return time=0"}) {
     Set("DBUS_SEND", answer);
     EXPECT_EQ(osxShowInFileManager(kName), 0) << answer;
@@ -82,6 +84,7 @@ TEST_F(ShowInFileManager, OpensTheDirectoryOfTheItem) {
   EXPECT_EQ(directory("link"), open_);
   EXPECT_EQ(directory("none//"), open_);
   EXPECT_EQ(directory("both/xdg-open"), open_ + "/both");
+  // The working directory is in /tmp.
   EXPECT_EQ(directory(".."), "xdg-open /");
   EXPECT_EQ(directory("/tmp"), "xdg-open /");
   EXPECT_EQ(directory("/"), "xdg-open /");
@@ -96,10 +99,10 @@ TEST_F(ShowInFileManager, DoesNotWaitForXdgOpen) {
   EXPECT_EQ(NextCall(), "done");
 }
 
-TEST_F(ShowInFileManager, AsksNobodyWithoutABus) {
+TEST_F(ShowInFileManager, AsksOnlyWithABus) {
   Set("DBUS_SEND", "echo method return time=0");
   Set("DBUS_SESSION_BUS_ADDRESS", "");
-  // A socket, a link to it, and nothing.
+  // The bus is a socket in the runtime directory. A link to one does not count, as for dbus-send.
   (void)mknod("none/bus", S_IFSOCK | 0600, 0);
   std::filesystem::create_symlink("../none/bus", "both/bus");
   const std::pair<const char*, std::string> calls[] = {
@@ -119,22 +122,28 @@ TEST_F(ShowInFileManager, ReportsThatItCannotShowTheItem) {
   EXPECT_EQ(osxShowInFileManager(kName), 2);
   Set("WAYLAND_DISPLAY", "wayland-0");
   EXPECT_EQ(osxShowInFileManager(kName), 0);
+  EXPECT_EQ(NextCall(), open_);
   Set("PATH", "none");
+  EXPECT_EQ(osxShowInFileManager(kName), 2);
+  Set("PATH", "opener");
+  const Armed noProcess({.call = Call::kFork, .nth = kEachTime});
   EXPECT_EQ(osxShowInFileManager(kName), 2);
 }
 
+// Takes 11 seconds.
 TEST_F(ShowInFileManager, EndsAProgramThatDoesNotAnswer) {
-  (void)std::signal(SIGALRM, SIG_IGN);
-  Set("DBUS_SEND", "exec 9>gate; exec /bin/sleep 1000");
+  IgnoreAlarm();
+  Set("DBUS_SEND", "exec 9>gate; echo asked >&9; exec /bin/sleep 1000");
   const int lives = open("gate", O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   EXPECT_EQ(osxShowInFileManager(kName), 3);
   (void)fcntl(lives, F_SETFL, 0);
-  // Ends with the program.
-  EXPECT_EQ(ReadAll(lives), "");
+  // The pipe ends with the program.
+  EXPECT_EQ(ReadAll(lives), "asked\n");
 }
 
 TEST_F(ShowInFileManager, WorksInEveryState) {
   Set("DBUS_SEND", kRefuses);
+  // desktop/program looks for a descriptor that it should not have.
   (void)dup2(STDERR_FILENO, 900);
   PassesInEveryState([this] {
     EXPECT_EQ(osxShowInFileManager(kName), 0);
@@ -144,6 +153,7 @@ TEST_F(ShowInFileManager, WorksInEveryState) {
 }
 
 TEST_F(ShowInFileManager, LeavesNothingBehind) {
+  // The stand-in would fill the pipe.
   std::filesystem::create_symlink("/bin/echo", "none/dbus-send");
   std::filesystem::create_symlink("/bin/echo", "none/xdg-open");
   Set("PATH", "none");

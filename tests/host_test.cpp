@@ -1,4 +1,4 @@
-// Files, users and the host.
+// Files, users and the host. Each test has a process of its own, whose environment it may change.
 
 #include <climits>
 #include <fstream>
@@ -31,6 +31,7 @@ TEST(CheckCreateDir, MakesTheMissingDirectoriesAboveIfRecursive) {
   // What precedes the first slash is dropped.
   EXPECT_TRUE(CheckCreateDir("x" + top.path + "/f", true));
   EXPECT_TRUE(CheckFileExist(top.path + "/f"));
+  // With its parents, an empty path is the root directory.
   EXPECT_TRUE(CheckCreateDir("", true));
   EXPECT_FALSE(CheckCreateDir("", false));
 }
@@ -50,6 +51,7 @@ TEST(CheckCreateDir, TakesAnyFileForTheDirectory) {
 
 TEST(GenerateTempFile, MakesAFileForItsOwner) {
   int fd = kUnwritten;
+  // The mode does not depend on the umask.
   umask(0777);
   const std::string path = GenerateTempFile("abc", &fd);
   umask(022);
@@ -63,8 +65,10 @@ TEST(GenerateTempFile, MakesAFileForItsOwner) {
 }
 
 TEST(GenerateTempFile, TakesNamesOfUpTo500BytesOrToANulByte) {
+  // Slashes, because a file name has at most 255 bytes.
   const std::string longest(500, '/');
   EXPECT_EQ(unlink(GenerateTempFile(longest, nullptr).c_str()), 0);
+  // A NUL byte cuts off the X's that the call appends.
   const std::string cut = GenerateTempFile("aXXXXXX\0b"s, nullptr);
   EXPECT_EQ(cut.size(), 12U);
   EXPECT_EQ(unlink(cut.c_str()), 0);
@@ -96,11 +100,13 @@ TEST(calcHomeDir, IsHomeAndMakesADirectoryInIt) {
 }
 
 TEST(calcHomeDir, AsksThePasswordDatabaseIfHomeIsTheRootDirectory) {
-  const std::string home = getpwnam("daemon")->pw_dir;
-  // Without the permission to make a directory there.
+  const passwd* entry = getpwnam("daemon");
+  ASSERT_NE(entry, nullptr);
+  const std::string home = entry->pw_dir;
+  // Without permission, because the call would make a directory in these homes.
   (void)!seteuid(1001);
   Set("HOME", "/");
-  // The name is converted for the locale, which has no é.
+  // The name is converted for the locale "C", which drops the é.
   EXPECT_EQ(calcHomeDir("daeémon"), home);
   EXPECT_EQ(calcHomeDir("no-such-user"), "/root");
   unsetenv("HOME");
@@ -117,8 +123,9 @@ TEST(calcRunningUser, IsTheFirstVariableThatIsSet) {
   }
   // An empty variable counts.
   Set("LOGNAME", "");
+  Set("USER", "bob");
   EXPECT_EQ(calcRunningUser(), "");
-  // Converted from the locale, which has no é.
+  // The name is converted from the locale "C", which drops the é.
   Set("LOGNAME", "aén");
   EXPECT_EQ(calcRunningUser(), "an");
 }
@@ -129,9 +136,9 @@ TEST(calcRunningUser, AsksThePasswordDatabaseWithoutAVariable) {
   const std::string name = entry != nullptr ? entry->pw_name : "";
   EXPECT_TRUE(PassesInChild([&] {
     // The real user counts. Another one needs permission, and is not in the database.
-    (void)!seteuid(54321);
+    (void)!seteuid(61234);
     EXPECT_EQ(calcRunningUser(), name);
-    const bool changed = setresuid(54321, 0, 0) == 0;
+    const bool changed = setresuid(61234, 0, 0) == 0;
     EXPECT_EQ(calcRunningUser(), changed ? "" : name);
   }));
 }
@@ -177,10 +184,10 @@ struct Exports : std::vector<Exportdata*> {
 // The path and the access (0 none, 1 ro, 2 rw) of each record.
 using Records = std::vector<std::pair<std::string, int>>;
 
-Records Parse(const std::string& option, int result = 1) {
+Records Parse(const std::string& option, int expected = 1) {
   Exports exports;
   exports.push_back(nullptr);  // the call empties the list
-  EXPECT_EQ(parse_nfs_export_option(option, exports), result);
+  EXPECT_EQ(parse_nfs_export_option(option, exports), expected);
   Records records;
   for (const Exportdata* each : exports) records.emplace_back(each->path, each->access);
   return records;
@@ -191,8 +198,8 @@ TEST(parse_nfs_export_option, MakesARecordForEachPair) {
   EXPECT_EQ(Parse("/srv/x,disabled"), (Records{{"/srv/x", 0}}));
   EXPECT_EQ(Parse(R"(/a\,b\\cc\d\\,ro)"), (Records{{R"(/a,b\cc\d\)", 1}}));
   EXPECT_EQ(Parse(",/a,ro,"), (Records{{"", 0}, {"/a", 1}, {"", 0}}));
-  // The byte 0xFF is taken for the end if it stands alone.
-  EXPECT_EQ(Parse("\xFF\0x,ro,\xFF"s), (Records{{"\xFF\0x"s, 1}, {"", 0}}));
+  // A last path of the byte 0xFF alone counts as empty.
+  EXPECT_EQ(Parse("\xFFy\0z,ro,\xFF"s), (Records{{"\xFFy\0z"s, 1}, {"", 0}}));
 }
 
 TEST(parse_nfs_export_option, ReturnsZeroForAnInvalidPair) {
@@ -203,6 +210,7 @@ TEST(parse_nfs_export_option, ReturnsZeroForAnInvalidPair) {
 
 TEST(Host, LeavesNothingBehind) {
   const TempDir top;
+  // In a directory where a file that is left shows.
   const std::string name = "../" + top.path + "/" + std::string(100, 'x');
   LeavesNothingBehind([&] { (void)unlink(GenerateTempFile(name, nullptr).c_str()); });
   EXPECT_TRUE(std::filesystem::is_empty(top.path));

@@ -53,7 +53,7 @@ TEST(System, ReportsHowTheProgramEnded) {
 }
 
 TEST(System, AppendsEachPieceUpToItsFirstNul) {
-  // One piece is "a", NUL and 253 zeros, the next one "bc".
+  // One piece is "a", a NUL byte and 253 digits, the next one "bc".
   const char* const argv[] = {"printf", "a\\0%0253dbc", nullptr};
   std::string output = "before ";
   EXPECT_EQ(System(argv, &output), 0);
@@ -61,8 +61,8 @@ TEST(System, AppendsEachPieceUpToItsFirstNul) {
 }
 
 TEST(System, ReadsToTheLastWriter) {
-  EXPECT_EQ(RunProgram("sh -c \"(sleep 0.1; echo late) & echo early\"").output, "early\nlate\n");
-  // More than a pipe holds.
+  EXPECT_EQ(RunProgram("sh -c \"echo early; (sleep 0.1; echo late) &\"").output, "early\nlate\n");
+  // An output that nobody wants is read as well: this is more than a pipe holds.
   EXPECT_EQ(System("head -c 100000 /dev/zero"), 0);
 }
 
@@ -88,7 +88,7 @@ TEST(System, ClosesThePipeWhenItCannotReadOn) {
   const char* const endless[] = {"yes", nullptr};
   std::string output;
   const LeakCheck leaks;
-  // Memory is first needed for the output.
+  // With an array of arguments, memory is first needed for the output.
   const Armed memory({Call::kNew});
   EXPECT_THROW(System(endless, &output), std::bad_alloc);
 }
@@ -101,13 +101,14 @@ TEST(CloseAllFds, ClosesTheRangeUpTo1023ButOne) {
     for (const Call refused : {Call::kNone, Call::kCloseRange}) {
       EXPECT_TRUE(PassesInChild([&] {
         OpenDescriptors();
-        const Armed fault({.call = refused, .nth = kEachTime, .required = false});
+        const bool required = refused != Call::kNone && c.first <= 1023;
+        const Armed fault({.call = refused, .nth = kEachTime, .required = required});
         CloseAllFds(c.first, c.keep);
         for (int fd = 0; fd < 1100; ++fd) {
           EXPECT_EQ(fcntl(fd, F_GETFD) >= 0, fd < c.first || fd == c.keep || fd > 1023) << fd;
         }
       })) << c.first
-          << ", " << c.keep;
+          << ", " << c.keep << ", refused: " << (refused != Call::kNone);
     }
   }
 }
@@ -135,6 +136,7 @@ TEST(SystemNowait, ReportsEachFailedCall) {
     EXPECT_EQ(out, kUnwritten);
     EXPECT_EQ(err, kUnwritten);
   };
+  // Three pipes, and two uses for each end of them.
   for (int nth = 1; nth <= 3; ++nth) fails(Call::kPipe, nth);
   for (int nth = 1; nth <= 12; ++nth) fails(Call::kFcntl, nth);
   fails(Call::kFork, 1);
@@ -148,11 +150,12 @@ TEST(SystemNowait, WritesTheErrorOfAFailedExec) {
   // An interrupted wait for the child is repeated.
   EXPECT_EQ(StartProgram("/no/such", {Call::kWaitpid}), missing);
   EXPECT_EQ(StartProgram(""), (Outcome{.thrown = "11 Empty command"}));
-  // The caller looks the text up, in its locale: a use in the child would not count as fired.
+  // The text is that of the caller's locale. It is looked up before the fork: a use in the child
+  // would not count as fired.
   char translated[] = "nicht vorhanden";
   const Fault locale = {.call = Call::kStrerror, .nth = kEachTime, .answer = translated};
   EXPECT_EQ(StartProgram("/no/such", locale).errors, "nicht vorhanden\n");
-  // An error that execvp(3) does not have.
+  // An error outside the list of those that are looked up.
   const Fault unusual = {.call = Call::kExecvp, .error = ENOTUNIQ, .required = false};
   EXPECT_EQ(StartProgram("true", unusual).errors, std::strerror(ENOTUNIQ) + "\n"s);
 }
@@ -167,12 +170,10 @@ TEST(SystemNowait, EndsAChildThatCannotWriteItsError) {
     }
     (void)fcntl(full[1], F_SETFL, 0);
     (void)dup2(full[1], STDERR_FILENO);
-    (void)std::signal(SIGALRM, SIG_IGN);
-    sigset_t all;
-    sigfillset(&all);
-    (void)sigprocmask(SIG_SETMASK, &all, nullptr);
+    IgnoreAlarm();
     (void)unshare(CLONE_NEWPID);
     EXPECT_EQ(SystemNowait("no-such-program"), -2);
+    EXPECT_LT(waitpid(-1, nullptr, WNOHANG), 0);
   }));
 }
 
@@ -187,13 +188,13 @@ TEST(SystemAndNowait, WorkInEveryState) {
     EXPECT_GT(SystemNowait(kTalks, &out, &err), 0);
     EXPECT_EQ(ReadAll(out), "out\n");
     EXPECT_EQ(ReadAll(err), "err\n");
-    // Unless the action for SIGCHLD has reaped it.
+    // Fails if the action for SIGCHLD has reaped it.
     (void)waitpid(-1, nullptr, 0);
   });
 }
 
 TEST(SystemAndNowait, LeaveNothingBehind) {
-  // Needs an allocation, which can fail.
+  // Long enough for an allocation, which can fail.
   const std::string text(100, 'A');
   for (const std::string& command : {"printf " + text, "no-such-" + text}) {
     LeavesNothingBehind([&] {
@@ -236,7 +237,7 @@ TEST(SystemAndNowait, LeaveTheClientsStreamsAlone) {
             "No such file or directory\ntext of the client");
 }
 
-// For the thread sanitizer, and for a lock that one thread holds at the fork of another one.
+// For the thread sanitizer, and for the locks of malloc and iconv that a thread holds at the fork.
 TEST(SystemAndNowait, RunBesideThreads) {
   std::atomic<bool> done{false};
   const auto work = [&done](const std::string& text) {
@@ -263,16 +264,16 @@ TEST(CheckFileExist, FollowsLinks) {
 
 // The real user and group count, and the bit of the first class that they belong to.
 TEST(CheckFileExecutable, ReadsOneBit) {
-  const TempDir file;
-  EXPECT_TRUE(CheckFileExecutable(file.path));
+  const TempDir item;
+  EXPECT_TRUE(CheckFileExecutable(item.path));
   EXPECT_FALSE(CheckFileExecutable("/no/such"));
   if (getuid() != 0) GTEST_SKIP() << "only the superuser may give files away";
   constexpr uid_t kUser = 1001;
   constexpr gid_t kGroup = 1002;
   const auto executable = [&](uid_t owner, gid_t group, mode_t mode) {
-    EXPECT_EQ(chown(file.path.c_str(), owner, group), 0);
-    EXPECT_EQ(chmod(file.path.c_str(), mode), 0);
-    return CheckFileExecutable(file.path);
+    EXPECT_EQ(chown(item.path.c_str(), owner, group), 0);
+    EXPECT_EQ(chmod(item.path.c_str(), mode), 0);
+    return CheckFileExecutable(item.path);
   };
   EXPECT_TRUE(PassesInChild([&] {
     EXPECT_EQ(setresgid(kGroup, 0, 0), 0);
@@ -303,7 +304,7 @@ TEST(Which, TakesEachEntryOfPathAsItIsWritten) {
     EXPECT_EQ(found("b", "none"), "");
     EXPECT_EQ(found("b", "/bin/sh"), "/bin/sh");
     EXPECT_EQ(found("b", "/etc/passwd"), "");
-    // An empty entry is the root directory; an empty name is the entry itself.
+    // An empty entry is the root directory. An empty name is the entry, if that is a directory.
     EXPECT_EQ(found(":b", "bin"), "/bin");
     EXPECT_EQ(found("a/tool:b", ""), "b/");
     (void)unsetenv("PATH");

@@ -6,7 +6,8 @@
 
 #include <gtest/gtest.h>
 
-/// The calls that a test can make fail. kNew is any allocation.
+/// The calls that a test can make fail. kNew is operator new, kPipe is pipe2(), and kCloseRange is
+/// any syscall().
 enum class Call {
   kNone,
   kCloseRange,
@@ -31,8 +32,8 @@ constexpr int kEachTime = 0;
 struct Fault {
   Call call = Call::kNone;
   int nth = 1;             ///< counted from now; or kEachTime
-  int error = EINTR;       ///< 0 makes iconv() convert nothing and replace two characters
-  bool required = true;    ///< the test fails unless it fires; one in a forked child fires unseen
+  int error = EINTR;       ///< with iconv(), 0 means that it succeeds with two replaced characters
+  bool required = true;    ///< the test fails unless it fires; a forked child fires it unseen
   void* answer = nullptr;  ///< of fopen() and strerror()
 };
 
