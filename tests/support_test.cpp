@@ -1,6 +1,6 @@
 // The log that a client has if it defines none; the other tests define one.
 
-#include <regex>
+#include <ctime>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -13,8 +13,8 @@ TEST(Logfile, WritesTimeLevelAndMessageOnOneLine) {
   testing::internal::CaptureStderr();
   logfile.Log("line\nend\r", 2);
   const std::string line = testing::internal::GetCapturedStderr();
-  const std::regex form(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ \[2\] line\\nend\\r\n)");
-  EXPECT_TRUE(std::regex_match(line, form)) << line;
+  std::tm time = {};
+  EXPECT_STREQ(strptime(line.c_str(), "%Y-%m-%dT%H:%M:%SZ", &time), " [2] line\\nend\\r\n");
 }
 
 TEST(Logfile, KeepsTheLinesOfThreadsApart) {
