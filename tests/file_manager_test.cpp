@@ -24,6 +24,8 @@ void Set(const char* variable, const std::string& value) {
 class ShowInFileManager : public testing::Test {
  protected:
   ShowInFileManager() {
+    // Without PATH, the shell searches the directories of the system.
+    (void)clearenv();
     std::filesystem::current_path(top_.path);
     (void)mknod(kName.c_str(), S_IFREG | 0600, 0);
     Set("PROGRAM", STAND_IN);  // the path of desktop/program
@@ -32,7 +34,6 @@ class ShowInFileManager : public testing::Test {
         "for name in both/dbus-send both/xdg-open opener/xdg-open; do ln -s \"$PROGRAM\" $name; "
         "done");
     calls_ = open("calls", O_RDWR | O_CLOEXEC);
-    (void)clearenv();
     Set("PATH", "both");
     Set("SESSION", std::to_string(getsid(0)));
     Set("DBUS_SESSION_BUS_ADDRESS", "x:");

@@ -20,7 +20,9 @@ const std::string kTalks = "sh -c \"echo out; echo err >&2\"";
 
 // Makes every descriptor below 1100 the standard error.
 void OpenDescriptors() {
-  const rlimit limit = {2048, 2048};
+  rlimit limit = {};
+  (void)getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = 2048;
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
   for (int fd = 0; fd < 1100; ++fd) (void)dup2(STDERR_FILENO, fd);
 }
