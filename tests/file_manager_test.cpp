@@ -84,10 +84,8 @@ TEST_F(ShowInFileManager, OpensTheDirectoryOfTheItem) {
   };
   EXPECT_EQ(directory("link"), open_);
   EXPECT_EQ(directory("none//"), open_);
-  EXPECT_EQ(directory("both/xdg-open"), open_ + "/both");
   // The working directory is in /tmp.
   EXPECT_EQ(directory(".."), "xdg-open /");
-  EXPECT_EQ(directory("/tmp"), "xdg-open /");
   EXPECT_EQ(directory("/"), "xdg-open /");
 }
 
@@ -100,33 +98,28 @@ TEST_F(ShowInFileManager, DoesNotWaitForXdgOpen) {
   EXPECT_EQ(NextCall(), "done");
 }
 
+// The bus is a socket in the runtime directory if no variable names it.
 TEST_F(ShowInFileManager, AsksOnlyWithABus) {
   Set("DBUS_SEND", "echo method return time=0");
   Set("DBUS_SESSION_BUS_ADDRESS", "");
-  // The bus is a socket in the runtime directory. A link to one does not count, as for dbus-send.
   (void)mknod("none/bus", S_IFSOCK | 0600, 0);
-  std::filesystem::create_symlink("../none/bus", "both/bus");
-  const std::pair<const char*, std::string> calls[] = {
-      {"none", ask_}, {"both", open_}, {"opener", open_}, {"", open_}};
-  for (const auto& [runtimeDirectory, call] : calls) {
+  for (const char* runtimeDirectory : {"none", "both", ""}) {
     Set("XDG_RUNTIME_DIR", runtimeDirectory);
     EXPECT_EQ(osxShowInFileManager(kName), 0);
-    EXPECT_EQ(NextCall(), call) << runtimeDirectory;
+    EXPECT_EQ(NextCall(), runtimeDirectory == "none"s ? ask_ : open_);
   }
 }
 
 TEST_F(ShowInFileManager, ReportsThatItCannotShowTheItem) {
   EXPECT_EQ(osxShowInFileManager("missing"), 1);
-  EXPECT_EQ(osxShowInFileManager(""), 1);
+  Set("PATH", "none");
+  EXPECT_EQ(osxShowInFileManager(kName), 2);
   Set("PATH", "opener");
   (void)unsetenv("DISPLAY");
   EXPECT_EQ(osxShowInFileManager(kName), 2);
   Set("WAYLAND_DISPLAY", "wayland-0");
   EXPECT_EQ(osxShowInFileManager(kName), 0);
   EXPECT_EQ(NextCall(), open_);
-  Set("PATH", "none");
-  EXPECT_EQ(osxShowInFileManager(kName), 2);
-  Set("PATH", "opener");
   const Armed noProcess({.call = Call::kFork, .nth = kEachTime});
   EXPECT_EQ(osxShowInFileManager(kName), 2);
 }

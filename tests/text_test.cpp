@@ -46,10 +46,9 @@ TEST(StringLines, AssemblesLinesFromChunks) {
   EXPECT_EQ(StringLines("ee\r", &tail), Strings{});
   EXPECT_EQ(StringLines("\na\rb", &tail), Strings{"three"});
   EXPECT_EQ(tail, "a\rb");
-  // The chunk may be a part of the tail.
+  // The piece may be a part of the tail.
   tail = "a\nbc";
   EXPECT_EQ(StringLines(&tail[1], &tail), (Strings{"a", "bc"}));
-  EXPECT_EQ(tail, "bc");
 }
 
 TEST(StringLines, LeavesTheTailIfMemoryIsExhausted) {
@@ -73,7 +72,6 @@ TEST(EncodeStringList, EscapesSeparatorAndBackslash) {
   EXPECT_EQ(EncodeStringList({"a,b", "c\\d"}, ','), "a\\,b, c\\\\d");
   EXPECT_EQ(EncodeStringList({"a;b", "c"}, ';'), "a\\;b;c");
   EXPECT_EQ(EncodeStringList({"a", "b"}, '\0'), "a\0 b"s);
-  EXPECT_EQ(EncodeStringList({"", ""}, ','), ", ");
   EXPECT_EQ(EncodeStringList({}, ','), "");
 }
 

@@ -69,9 +69,9 @@ inline Outcome StartProgram(const std::string& command, const Fault& fault = kNo
   return Observe(fault, [&](Outcome& seen) { seen.result = GXUtils::SystemNowait(command); });
 }
 
-/// Runs `body` in a forked child, whose environment, limits and descriptors it may change.
-/// Returns whether every expectation of the test held so far. The body must not throw.
-inline bool PassesInChild(const std::function<void()>& body) {
+/// Runs `body` in a forked child, whose environment, limits and descriptors it may change. Fails the
+/// test if an expectation has failed so far. The body must not throw.
+inline void PassesInChild(const std::function<void()>& body) {
   std::fflush(nullptr);
   const pid_t pid = fork();
   if (pid == 0) {
@@ -80,7 +80,8 @@ inline bool PassesInChild(const std::function<void()>& body) {
     _exit(testing::Test::HasFailure() ? 1 : 0);
   }
   int status = -1;
-  return waitpid(pid, &status, 0) == pid && status == 0;
+  EXPECT_EQ(waitpid(pid, &status, 0), pid);
+  EXPECT_EQ(status, 0);
 }
 
 /// Reads the descriptor to its end and closes it.
@@ -167,15 +168,15 @@ inline void PassesInEveryState(const std::function<void()>& body) {
       {"default", SIG_DFL}, {"ignored", SIG_IGN}, {"handled", ReapEveryChild}};
   for (const auto& action : actions) {
     for (int closed = 0; closed < 8; ++closed) {
-      EXPECT_TRUE(PassesInChild([&] {
+      SCOPED_TRACE("SIGCHLD " + action.first + ", closed bit by bit: " + std::to_string(closed));
+      PassesInChild([&] {
         for (int fd = 0; fd <= 2; ++fd) {
           if ((closed & 1 << fd) != 0) (void)close(fd);
         }
         (void)std::signal(SIGCHLD, action.second);
         const LeakCheck leaks;
         body();
-      })) << "closed, bit by bit: "
-          << closed << ", SIGCHLD " << action.first;
+      });
     }
   }
 }
