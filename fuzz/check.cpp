@@ -44,8 +44,11 @@ std::string DecodedHex(const std::string& hex) {
 
 void CheckCodecs(const std::string& text) {
   EXPECT_EQ(DecodedBase64(Base64Encode(text)), text);
+  // The additions make groups of a short text.
   for (const std::string& code : {text, text + "A/", "A/" + text}) {
     EXPECT_EQ(Base64Decode(code), DecodedBase64(code));
+  }
+  for (const std::string& code : {text, text + "A", "A" + text}) {
     EXPECT_EQ(HexASCIIToString(code), DecodedHex(code));
   }
 }
@@ -112,6 +115,7 @@ void CheckText(const std::string& text) {
   CheckList(text);
   const std::string line = text.substr(0, text.find('\0'));
   CheckLines(line);
+  // A bar separates two texts that are compared.
   const std::size_t bar = std::min(line.find('|'), line.size());
   CheckOrder(line.substr(0, bar), line.substr(std::min(bar + 1, line.size())));
 }

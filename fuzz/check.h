@@ -2,6 +2,6 @@
 
 #include <string>
 
-/// Checks what holds for every text: the functions that take a text agree with reference
-/// implementations that go another way, and with each other. Fails as a test does.
+/// Checks what holds for every text: functions agree with reference implementations that go another
+/// way, or keep an invariant. Fails as a test does.
 void CheckText(const std::string& text);

@@ -45,7 +45,7 @@ TEST(Transcode, ReportsBadInput) {
   // A character that the target lacks is dropped, if iconv can.
   EXPECT_EQ(Convert("UTF-8", "ISO-8859-1", "a€b", 3), Result("ab\0"s, kBadInput));
   // Otherwise the text ends there.
-  const Armed firstOpen({Call::kIconvOpen});
+  const Armed noDropping({Call::kIconvOpen});
   EXPECT_EQ(Convert("UTF-8", "ISO-8859-1", "a€b", 3), Result("a\0\0"s, kBadInput));
 }
 
@@ -70,7 +70,7 @@ TEST(Transcode, KeepsAsciiIfIconvCannotConvertFromOrToTheLocale) {
   const Armed refused(kNoIconv);
   EXPECT_EQ(Convert("UTF-8", "", "Grüße", 8), Result("Gre\0\0\0\0\0"s, toLocale));
   EXPECT_EQ(Convert("", "UTF-8", "abcdef", 4), Result("abc\0"s, fromLocale));
-  // Two of the three bytes that count are dropped.
+  // Three bytes count, one less than the buffer has. The two of é are dropped.
   EXPECT_EQ(Convert("", "UTF-8", "éab", 4), Result("a\0\0\0"s, fromLocale));
   EXPECT_EQ(Convert("", "UTF-8", "a\0b"s, 4), Result("a\0\0\0"s, fromLocale));
   EXPECT_EQ(Convert("", "UTF-8", "a", 1), Result("\0"s, fromLocale));
@@ -88,8 +88,9 @@ TEST(TranscodeString, IsTheTextUpToItsFirstZeroByte) {
   EXPECT_EQ(Transcode("UTF-16", "UTF-8", "A\0B\0"s), "AB");
   EXPECT_EQ(Transcode("UTF-8", "UTF-16", "ab"), "a");
   EXPECT_EQ(Transcode("unknown", "UTF-8", "ab"), "");
-  // A byte becomes up to twelve.
-  EXPECT_EQ(Transcode("TSCII", "UTF-8", "\x82"), "ஸ்ரீ");
+  // A byte becomes up to twelve, with an encoding that iconv may not have.
+  const bool known = !Transcode("TSCII", "UTF-8", "A").empty();
+  EXPECT_EQ(Transcode("TSCII", "UTF-8", "\x82"), known ? "ஸ்ரீ" : "");
 }
 
 Result Lower(const std::string& text) {

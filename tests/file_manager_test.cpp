@@ -67,7 +67,7 @@ TEST_F(ShowInFileManager, AsksTheFileManager) {
 }
 
 TEST_F(ShowInFileManager, OpensTheDirectoryIfTheFileManagerDoesNotShowTheItem) {
-  // The last one is no answer, because it does not begin its line.
+  // The last one does not count, because it does not begin its line.
   for (const char* answer : {kRefuses, "exit 1", "echo a: method return time=0"}) {
     Set("DBUS_SEND", answer);
     EXPECT_EQ(osxShowInFileManager(kName), 0) << answer;
@@ -112,6 +112,7 @@ TEST_F(ShowInFileManager, AsksOnlyWithABus) {
 
 TEST_F(ShowInFileManager, ReportsThatItCannotShowTheItem) {
   EXPECT_EQ(osxShowInFileManager("missing"), 1);
+  EXPECT_EQ(osxShowInFileManager(""), 1);
   Set("PATH", "none");
   EXPECT_EQ(osxShowInFileManager(kName), 2);
   Set("PATH", "opener");
@@ -138,7 +139,7 @@ TEST_F(ShowInFileManager, EndsAProgramThatDoesNotAnswer) {
 TEST_F(ShowInFileManager, WorksInEveryState) {
   Set("DBUS_SEND", kRefuses);
   // desktop/program looks for a descriptor that it should not have.
-  (void)dup2(STDERR_FILENO, 900);
+  EXPECT_EQ(dup2(STDERR_FILENO, 900), 900);
   PassesInEveryState([this] {
     EXPECT_EQ(osxShowInFileManager(kName), 0);
     EXPECT_EQ(NextCall(), ask_);

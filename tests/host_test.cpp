@@ -1,4 +1,4 @@
-// Files, users and the host. Each test has a process of its own, whose environment it may change.
+// Files, users and the host. Each test runs in its own process, whose environment it may change.
 
 #include <climits>
 #include <fstream>
@@ -23,10 +23,13 @@ TEST(CheckCreateDir, MakesTheMissingDirectories) {
   umask(0);
   EXPECT_TRUE(CheckCreateDir(top.path + "/a//b/", true));
   EXPECT_EQ(Mode(top.path + "/a/b"), 0755);
-  EXPECT_FALSE(CheckCreateDir(top.path + "/c/d", false));
+  EXPECT_TRUE(CheckCreateDir(top.path + "/c", false));
+  EXPECT_EQ(Mode(top.path + "/c"), 0755);
+  EXPECT_FALSE(CheckCreateDir(top.path + "/d/e", false));
+  EXPECT_EQ(errno, ENOENT);
   // What precedes the first slash is dropped.
-  EXPECT_TRUE(CheckCreateDir("x" + top.path + "/e", true));
-  EXPECT_TRUE(CheckFileExist(top.path + "/e"));
+  EXPECT_TRUE(CheckCreateDir("x" + top.path + "/f", true));
+  EXPECT_TRUE(CheckFileExist(top.path + "/f"));
   // With its parents, an empty path is the root directory.
   EXPECT_TRUE(CheckCreateDir("", true));
   EXPECT_FALSE(CheckCreateDir("", false));
@@ -37,9 +40,11 @@ TEST(CheckCreateDir, TakesAnyFileForTheDirectory) {
   std::ofstream(top.path + "/file").close();
   EXPECT_TRUE(CheckCreateDir(top.path + "/file", true));
   EXPECT_FALSE(CheckCreateDir(top.path + "/file/x", true));
+  EXPECT_EQ(errno, ENOTDIR);
   std::filesystem::create_symlink("/no/such", top.path + "/link");
   EXPECT_FALSE(CheckCreateDir(top.path + "/a/../link", true));
-  // What was made before the failure stays.
+  EXPECT_EQ(errno, EEXIST);
+  // The directory that was made before the failure stays.
   EXPECT_TRUE(CheckFileExist(top.path + "/a"));
 }
 
@@ -66,12 +71,14 @@ TEST(GenerateTempFile, TakesNamesOfUpTo500Bytes) {
     EXPECT_EQ(GenerateTempFile(name, &fd), "");
     EXPECT_EQ(fd, -1);
   }
+  EXPECT_EQ(errno, ENOENT);
 }
 
 TEST(UnlinkOrTruncate, RemovesAFile) {
   const std::string file = GenerateTempFile("abc", nullptr);
   EXPECT_EQ(UnlinkOrTruncate(file.c_str()), 0);
   EXPECT_EQ(UnlinkOrTruncate(file.c_str()), -1);
+  EXPECT_EQ(errno, ENOENT);
 }
 
 TEST(winGetTempDir, IsEmpty) { EXPECT_EQ(winGetTempDir(), ""); }
@@ -83,10 +90,14 @@ TEST(calcHomeDir, IsHomeAndMakesADirectoryInIt) {
   Set("HOME", top.path.c_str());
   EXPECT_EQ(calcHomeDir("ann"), top.path);
   EXPECT_TRUE(std::filesystem::is_directory(top.path + "/.gannorex"));
+  Set("HOME", "/no/such/");
+  EXPECT_EQ(calcHomeDir("ann"), "/no/such/");
 }
 
 TEST(calcHomeDir, AsksThePasswordDatabaseIfHomeIsTheRootDirectory) {
-  const std::string home = getpwnam("daemon")->pw_dir;
+  const passwd* entry = getpwnam("daemon");
+  ASSERT_NE(entry, nullptr);
+  const std::string home = entry->pw_dir;
   // Without permission, because the call would make a directory in these homes.
   (void)!seteuid(1001);
   Set("HOME", "/");
@@ -181,12 +192,13 @@ TEST(parse_nfs_export_option, MakesARecordForEachPair) {
   EXPECT_EQ(Parse("\xFFy\0z,ro,\xFF"s), (Records{{"\xFFy\0z"s, 1}, {"", 0}}));
   // The result is 0 for an invalid pair.
   EXPECT_EQ(Parse("/srv/x,RO", 0), (Records{{"/srv/x", 0}}));
+  EXPECT_EQ(Parse("/srv/x", 0), (Records{{"/srv/x", 0}}));
   EXPECT_EQ(Parse("/a,,/b,rw", 0), (Records{{"/a", 0}, {"/b", 2}}));
 }
 
 TEST(Host, LeavesNothingBehind) {
   const TempDir top;
-  // In a directory where a file that is left shows.
+  // A file that is left shows in this directory.
   const std::string name = "../" + top.path + "/" + std::string(100, 'x');
   LeavesNothingBehind([&] { (void)unlink(GenerateTempFile(name, nullptr).c_str()); });
   EXPECT_TRUE(std::filesystem::is_empty(top.path));

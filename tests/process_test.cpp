@@ -122,8 +122,10 @@ TEST(SystemNowait, HandsOverTheOutputOfTheRunningProgram) {
   EXPECT_EQ(waitpid(pid, nullptr, WUNTRACED), pid);
   EXPECT_EQ(getsid(pid), pid);
   EXPECT_EQ(kill(pid, SIGCONT), 0);
-  // Not close-on-exec.
-  EXPECT_EQ(fcntl(out, F_GETFD), 0);
+  for (const int fd : {out, err}) {
+    EXPECT_EQ(fcntl(fd, F_GETFD), 0);  // not close-on-exec
+    EXPECT_EQ(fcntl(fd, F_GETFL) & O_NONBLOCK, 0);
+  }
   EXPECT_EQ(ReadAll(out), "out\n");
   EXPECT_EQ(ReadAll(err), "err\n");
   EXPECT_EQ(waitpid(pid, nullptr, 0), pid);
@@ -151,7 +153,7 @@ TEST(SystemNowait, WritesTheErrorOfAFailedExec) {
   // An interrupted wait for the child is repeated.
   EXPECT_EQ(StartProgram("/no/such", {Call::kWaitpid}), missing);
   EXPECT_EQ(StartProgram(""), (Outcome{.thrown = "11 Empty command"}));
-  // The text is that of the caller's locale. It is looked up before the fork: a use in the child
+  // The text has the language of the caller. It is looked up before the fork: a use in the child
   // would not count as fired.
   char translated[] = "nicht vorhanden";
   const Fault locale = {.call = Call::kStrerror, .nth = kEachTime, .answer = translated};
@@ -183,6 +185,10 @@ TEST(SystemAndNowait, WorkInEveryState) {
     std::string output;
     EXPECT_EQ(System(kTalks, &output), 0);
     EXPECT_EQ(output, "out\nerr\n");
+    // A closed standard input stays closed.
+    int status = kUnwritten;
+    EXPECT_EQ(System("test -e /dev/fd/0", nullptr, &status), 0);
+    EXPECT_EQ(status, fcntl(STDIN_FILENO, F_GETFD) < 0 ? 1 : 0);
     int out = kUnwritten, err = kUnwritten;
     EXPECT_EQ(SystemNowait("no-such-program", &out, &err), -2);
     EXPECT_EQ(out, kUnwritten);
@@ -260,6 +266,7 @@ TEST(CheckFileExist, FollowsLinks) {
   const TempDir top;
   std::filesystem::create_symlink("/no/such", top.path + "/dangling");
   EXPECT_TRUE(CheckFileExist(top.path));
+  EXPECT_TRUE(CheckFileExist("/dev/fd"));
   EXPECT_FALSE(CheckFileExist(top.path + "/dangling"));
 }
 
@@ -309,5 +316,7 @@ TEST(Which, TakesEachEntryOfPathAsItIsWritten) {
     EXPECT_EQ(found("a/tool:b", ""), "b/");
     (void)unsetenv("PATH");
     EXPECT_EQ(Which("sh"), "");
+    // Along the default path of the system.
+    EXPECT_EQ(System("true"), 0);
   });
 }

@@ -35,7 +35,7 @@ TEST(ReplaceInString, ReplacesFromLeftToRight) {
   // The inserted text is not searched.
   EXPECT_EQ(Replaced("aaa", "a", "aa"), "aaaaaa");
   EXPECT_EQ(Replaced("abc", "", "y"), "abc");
-  // A long pattern has a search of its own.
+  // A long pattern is searched in another way.
   const std::string from(17, 'X');
   EXPECT_EQ(Replaced("a" + from + "b" + from + "c", from.c_str(), "-"), "a-b-c");
 }
@@ -49,12 +49,14 @@ TEST(StringLines, AssemblesLinesFromChunks) {
   // The piece may be a part of the tail.
   tail = "a\nbc";
   EXPECT_EQ(StringLines(&tail[1], &tail), (Strings{"a", "bc"}));
+  EXPECT_EQ(tail, "bc");
 }
 
 TEST(StringLines, LeavesTheTailIfMemoryIsExhausted) {
   // Too long for a string without an allocation.
   const std::string part(50, 'p');
   const std::string chunk = "\n" + part + "\n";
+  // For the tail, the list of lines and each of the two lines.
   for (int nth = 1; nth <= 4; ++nth) {
     std::string tail = part;
     const Armed memory({Call::kNew, nth});
@@ -64,7 +66,7 @@ TEST(StringLines, LeavesTheTailIfMemoryIsExhausted) {
 }
 
 TEST(LongToString, WritesTheWholeRange) {
-  EXPECT_EQ(LongToString(0), "0");
+  EXPECT_EQ(LongToString(42), "42");
   EXPECT_EQ(std::stol(LongToString(LONG_MIN)), LONG_MIN);
 }
 
@@ -116,6 +118,7 @@ TEST(CompareVersions, OrdersComponentsAsTexts) {
 
 TEST(CompareHexStrings, OrdersNumbersOfAnyLength) {
   EXPECT_EQ(CompareHexStrings("0xFF", "00ff"), 0);
+  EXPECT_EQ(CompareHexStrings("000", "0"), 0);
   EXPECT_EQ(CompareHexStrings("100", "ff"), 1);
   EXPECT_EQ(CompareHexStrings("ffffffffffffffffe", "fffffffffffffffff"), -1);
   // Other bytes count as digits.

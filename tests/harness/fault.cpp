@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 // The fault that this use of the call has; null if the call is to work. Sets errno.
-const Fault* Firing(Call call) {
+static const Fault* Firing(Call call) {
   Armed* armed = Armed::current;
   if (armed == nullptr || armed->fault.call != call) return nullptr;
   if (++armed->uses != armed->fault.nth && armed->fault.nth != kEachTime) return nullptr;

@@ -32,7 +32,7 @@ constexpr int kEachTime = 0;
 struct Fault {
   Call call = Call::kNone;
   int nth = 1;             ///< counted from now; or kEachTime
-  int error = EINTR;       ///< with iconv(), 0 means that it succeeds with two replaced characters
+  int error = EINTR;       ///< with iconv(), 0: it converts nothing and replaces two characters
   bool required = true;    ///< the test fails unless it fires; a forked child fires it unseen
   void* answer = nullptr;  ///< of fopen() and strerror()
 };
@@ -40,7 +40,10 @@ struct Fault {
 /// Arms a fault while it exists. One at a time, and for a short time: the calls of the test
 /// framework count as well.
 struct Armed {
-  explicit Armed(const Fault& armed) : fault(armed) { current = this; }
+  explicit Armed(const Fault& toArm) : fault(toArm) {
+    EXPECT_EQ(current, nullptr);
+    current = this;
+  }
   Armed(const Armed&) = delete;
   ~Armed() {
     current = nullptr;

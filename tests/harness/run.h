@@ -20,7 +20,7 @@
 
 constexpr int kUnwritten = -77;  ///< what an output parameter holds before a call
 
-/// All that a call did. A test compares it whole, and a failure prints it whole.
+/// All that a call did. A failure prints it whole.
 struct Outcome {
   int result = 0;
   int status = kUnwritten;
@@ -70,7 +70,7 @@ inline Outcome StartProgram(const std::string& command, const Fault& fault = kNo
 }
 
 /// Runs `body` in a forked child, whose environment, limits and descriptors it may change. Fails the
-/// test if an expectation has failed so far. The body must not throw.
+/// test if one of its expectations has failed, in the body or before. The body must not throw.
 inline void PassesInChild(const std::function<void()>& body) {
   std::fflush(nullptr);
   const pid_t pid = fork();
@@ -118,7 +118,7 @@ struct LeakCheck {
   const std::string before = ProcessState();
 };
 
-/// Repeats `call` with the first, second, ... use of each function below failing, until none fails.
+/// Repeats `call` with the first, second, ... use of each function in the list failing, until none fails.
 /// The call may return anything or throw std::bad_alloc. It must leave no descriptor and no changed
 /// action for SIGCHLD, and no child if it throws. A leak of memory is the address sanitizer's to find.
 inline void LeavesNothingBehind(const std::function<void()>& call) {
@@ -162,13 +162,13 @@ inline void ReapEveryChild(int /*signal*/) {
 }
 
 /// Runs `body` with each of the descriptors 0 to 2 closed or open, and with each kind of action
-/// for SIGCHLD. It must leave nothing behind.
+/// for SIGCHLD. The body must leave nothing behind.
 inline void PassesInEveryState(const std::function<void()>& body) {
   const std::pair<std::string, void (*)(int)> actions[] = {
       {"default", SIG_DFL}, {"ignored", SIG_IGN}, {"handled", ReapEveryChild}};
   for (const auto& action : actions) {
     for (int closed = 0; closed < 8; ++closed) {
-      SCOPED_TRACE("SIGCHLD " + action.first + ", closed bit by bit: " + std::to_string(closed));
+      SCOPED_TRACE("SIGCHLD " + action.first + ", closed (bit by bit): " + std::to_string(closed));
       PassesInChild([&] {
         for (int fd = 0; fd <= 2; ++fd) {
           if ((closed & 1 << fd) != 0) (void)close(fd);
