@@ -28,11 +28,12 @@ class ShowInFileManager : public testing::Test {
     (void)clearenv();
     std::filesystem::current_path(top_.path);
     (void)mknod(kName.c_str(), S_IFREG | 0600, 0);
-    Set("PROGRAM", STAND_IN);  // the path of desktop/program
+    // The path of desktop/program.
+    Set("PROGRAM", STAND_IN);
     (void)!std::system(
         "mkdir both opener none; mkfifo calls gate; ln -s /no/such link;"
-        "for name in both/dbus-send both/xdg-open opener/xdg-open; do ln -s \"$PROGRAM\" $name; "
-        "done");
+        "for name in both/dbus-send both/xdg-open opener/xdg-open;"
+        "do ln -s \"$PROGRAM\" $name; done");
     calls_ = open("calls", O_RDWR | O_CLOEXEC);
     Set("PATH", "both");
     Set("SESSION", std::to_string(getsid(0)));
