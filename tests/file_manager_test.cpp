@@ -99,12 +99,14 @@ TEST_F(ShowInFileManager, DoesNotWaitForXdgOpen) {
   EXPECT_EQ(NextCall(), "done");
 }
 
-// The bus is a socket in the runtime directory if no variable names it.
+// The bus is a socket in the runtime directory if no variable names it. A link to one does not
+// count, as for dbus-send.
 TEST_F(ShowInFileManager, AsksOnlyWithABus) {
   Set("DBUS_SEND", "echo method return time=0");
   Set("DBUS_SESSION_BUS_ADDRESS", "");
   (void)mknod("none/bus", S_IFSOCK | 0600, 0);
-  for (const char* runtimeDirectory : {"none", "both", ""}) {
+  std::filesystem::create_symlink("../none/bus", "both/bus");
+  for (const char* runtimeDirectory : {"none", "both", "opener", ""}) {
     Set("XDG_RUNTIME_DIR", runtimeDirectory);
     EXPECT_EQ(osxShowInFileManager(kName), 0);
     EXPECT_EQ(NextCall(), runtimeDirectory == "none"s ? ask_ : open_);

@@ -154,6 +154,7 @@ int BogoMips(std::string list) {
 
 TEST(GetBogoMips, AddsUpTheProcessors) {
   EXPECT_EQ(BogoMips("bogomips\t: 5986.12\nx\nbogomips : 5986.99\n"), 11972);
+  EXPECT_EQ(BogoMips("bogomips: none"), 0);
   EXPECT_EQ(BogoMips("bogomips: 99999999999999999999\nbogomips: 5"), INT_MAX);
   EXPECT_EQ(BogoMips("bogomips: -9999999999\nbogomips: -1"), INT_MIN);
   // A piece of 255 bytes counts as a line.

@@ -309,6 +309,7 @@ TEST(Which, TakesEachEntryOfPathAsItIsWritten) {
     EXPECT_EQ(found("a:b", "tool"), "b/tool");
     EXPECT_EQ(found("a/sub:b", "tool"), "a/sub/tool");
     EXPECT_EQ(found("b/:a/", "sub/tool"), "a//sub/tool");
+    EXPECT_EQ(found("b", "none"), "");
     EXPECT_EQ(found("b", "/bin/sh"), "/bin/sh");
     EXPECT_EQ(found("b", "/etc/passwd"), "");
     // An empty entry is the root directory. An empty name is the entry, if that is a directory.

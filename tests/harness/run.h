@@ -69,8 +69,8 @@ inline Outcome StartProgram(const std::string& command, const Fault& fault = kNo
   return Observe(fault, [&](Outcome& seen) { seen.result = GXUtils::SystemNowait(command); });
 }
 
-/// Runs `body` in a forked child, whose environment, limits and descriptors it may change. Fails the
-/// test if one of its expectations has failed, in the body or before. The body must not throw.
+/// Runs `body` in a forked child, whose environment, limits and descriptors it may change. Fails
+/// the test if one of its expectations has failed, in the body or before. The body must not throw.
 inline void PassesInChild(const std::function<void()>& body) {
   std::fflush(nullptr);
   const pid_t pid = fork();
@@ -118,9 +118,10 @@ struct LeakCheck {
   const std::string before = ProcessState();
 };
 
-/// Repeats `call` with the first, second, ... use of each function in the list failing, until none fails.
-/// The call may return anything or throw std::bad_alloc. It must leave no descriptor and no changed
-/// action for SIGCHLD, and no child if it throws. A leak of memory is the address sanitizer's to find.
+/// Repeats `call` with the first, second, ... use of each function in the list failing, until none
+/// fails. The call may return anything or throw std::bad_alloc. It must leave no descriptor and no
+/// changed action for SIGCHLD, and no child if it throws. A leak of memory is the address
+/// sanitizer's to find.
 inline void LeavesNothingBehind(const std::function<void()>& call) {
   // Not sigaction(): an action that cannot be restored stays.
   for (const Call which : {Call::kFcntl, Call::kFopen, Call::kFork, Call::kIconv, Call::kIconvOpen,
